@@ -1,0 +1,246 @@
+#include <tul-util-gui/mdatable/mdatable_p.h>
+
+#include <tul-util-gui/mdatable/mdatableheader_p.h>
+#include <tul-util-gui/mdatable/saturated_p.h>
+
+#include <QApplication>
+#include <QPointer>
+#include <QScrollBar>
+#include <QSignalBlocker>
+
+#include <algorithm>
+
+namespace
+{
+
+const int repaintMargin = 2; // pixels around a cell that its focus frame may touch
+
+} // namespace
+
+QRect tul::grownForRepaint(const QRect &rect)
+{
+    const long long margin = repaintMargin;
+    return {QPoint(tul::clampToInt(rect.x() - margin), tul::clampToInt(rect.y() - margin)),
+            QSize(tul::clampToInt(rect.width() + 2 * margin),
+                  tul::clampToInt(rect.height() + 2 * margin))};
+}
+
+MDATablePrivate::MDATablePrivate(MDATable *table)
+    : q(table)
+    , rows{table,
+           nullptr,
+           nullptr,
+           Qt::Key_Down,
+           Qt::Key_Up,
+           &MDATable::numRows,
+           &MDATable::rowHeightChanged}
+    , columns{table,
+              nullptr,
+              nullptr,
+              Qt::Key_Right,
+              Qt::Key_Left,
+              &MDATable::numCols,
+              &MDATable::columnWidthChanged}
+    , interaction(table, this)
+    , painter(table, this)
+    , geometryTimer(new QTimer(table))
+{
+}
+
+void MDATablePrivate::construct(long long numRows, long long numCols, const char *name)
+{
+    q->setObjectName(QString::fromUtf8(name));
+    geometryTimer->setSingleShot(true);
+    QObject::connect(geometryTimer, &QTimer::timeout, q, &MDATable::updateGeometriesSlot);
+
+    q->viewport()->setFocusProxy(q);
+    q->viewport()->setFocusPolicy(Qt::WheelFocus);
+    q->setFocusPolicy(Qt::WheelFocus);
+    rows.header
+        = new MDATableHeader(q, Qt::Vertical, numRows, q, QStringLiteral("left table header"));
+    // By design: hosts and their style sheets look for it by this name.
+    columns.header
+        = new MDATableHeader(q, Qt::Horizontal, numCols, q, QStringLiteral("right table header"));
+    rows.bar = q->verticalScrollBar();
+    columns.bar = q->horizontalScrollBar();
+    // Cells run from left to right in every layout, and so does the bar that scrolls them.
+    columns.bar->setLayoutDirection(Qt::LeftToRight);
+
+    q->setLeftMargin(rows.header->sizeHint().width());
+    q->setTopMargin(columns.header->sizeHint().height());
+    for (const TableAxis *axis : {&columns, &rows}) {
+        QObject::connect(axis->bar, &QScrollBar::valueChanged, axis->header,
+                         &MDATableHeader::setOffset);
+        QObject::connect(axis->bar, &QScrollBar::valueChanged, q->viewport(),
+                         QOverload<>::of(&QWidget::update));
+    }
+    QObject::connect(columns.header, &MDATableHeader::sectionSizeChanged, q,
+                     &MDATable::columnWidthChanged);
+    QObject::connect(rows.header, &MDATableHeader::sectionSizeChanged, q,
+                     &MDATable::rowHeightChanged);
+    QObject::connect(columns.header, &MDATableHeader::fixedExtentChanged, q,
+                     &MDATable::topHeaderFixedExtentChanged);
+    QObject::connect(rows.header, &MDATableHeader::fixedExtentChanged, q,
+                     &MDATable::leftHeaderFixedExtentChanged);
+
+    if (numRows >= 1 && numCols >= 1)
+        q->setCurrentCell(0, 0);
+    q->installEventFilter(q);
+    q->resize(640, 480);
+}
+
+void MDATablePrivate::sizeStore() const
+{
+    const long long needed = tul::saturatedMul(q->numCols(), q->numRows());
+    if (!store.isSparse() && store.denseSize() != needed)
+        q->resizeData(needed);
+}
+
+void MDATablePrivate::setCount(TableAxis &axis, long long count)
+{
+    if (count < 0)
+        return;
+    // First of all, because hosts may edit cells when it is announced.
+    q->clearSelection(false);
+    QVector<MDATableItem *> saved;
+    q->saveContents(saved);
+    axis.header->setCount(count);
+    q->resizeData(tul::saturatedMul(q->numCols(), q->numRows()));
+    q->restoreContents(saved);
+    finishDimensionChange();
+    if (axis.current >= axis.count())
+        keepCurrentInside(axis);
+    if (rows.current == -1 && columns.current == -1 && q->numRows() > 0 && q->numCols() > 0)
+        q->setCurrentCell(0, 0);
+}
+
+void MDATablePrivate::setHidden(TableAxis &axis, long long from, long long to, bool hidden) const
+{
+    from = std::max(from, 0LL);
+    to = std::min(to, axis.count() - 1);
+    if (from > to)
+        return;
+    if (!hidden) {
+        axis.header->showSections(from, to);
+        axis.announceSizeChange();
+        return;
+    }
+    axis.header->hideSections(from, to);
+    if (from <= axis.current && axis.current <= to) {
+        const int key = axis.current < axis.count() - 1 ? axis.forwardKey : axis.backwardKey;
+        long long row = rows.current;
+        long long col = columns.current;
+        interaction.fixCell(row, col, key);
+        q->setCurrentCell(row, col);
+    }
+    axis.announceSizeChange();
+}
+
+void MDATablePrivate::finishDimensionChange() const
+{
+    q->updateScrollBars();
+    q->updateGeometries();
+    q->viewport()->update();
+}
+
+/// Brings a current cell that the table has lost back to its last row or column, to none when
+/// nothing is left.
+void MDATablePrivate::keepCurrentInside(const TableAxis &axis) const
+{
+    const long long last = axis.count() - 1;
+    if (&axis == &rows)
+        q->setCurrentCell(last, last != -1 ? columns.current : -1);
+    else
+        q->setCurrentCell(last != -1 ? rows.current : -1, last);
+}
+
+void MDATablePrivate::raiseItemWidth(int width)
+{
+    maxItemWidth = std::max(maxItemWidth, width);
+}
+
+void MDATablePrivate::ensureCellVisible(long long row, long long col) const
+{
+    rows.ensureVisible(row, q->viewport()->height());
+    columns.ensureVisible(col, q->viewport()->width());
+}
+
+int MDATablePrivate::leftHeaderMargin() const
+{
+    return QApplication::isRightToLeft() ? margins.right() : margins.left();
+}
+
+void MDATablePrivate::applyMargins() const
+{
+    q->setViewportMargins(margins);
+    q->updateGeometries();
+}
+
+QRegion MDATablePrivate::takeSelections()
+{
+    // The current cell looks selected while there are blocks.
+    QRegion covered = hasCurrentCell() ? q->cellGeometry(rows.current, columns.current) : QRect();
+    for (int i = 0; i < selections.count(); ++i)
+        covered += visibleRect(selections.at(i));
+    selections.clear();
+    return covered & q->viewport()->rect();
+}
+
+QRect MDATablePrivate::visibleRect(const MDATableSelection &block) const
+{
+    if (!block.isActive())
+        return {};
+    bool optimize = false;
+    return q->rangeGeometry(block.topRow(), block.leftCol(), block.bottomRow(), block.rightCol(),
+                            optimize);
+}
+
+void MDATablePrivate::repaintBlock(const MDATableSelection &block) const
+{
+    repaintDifference(MDATableSelection(), block);
+    q->updateCell(rows.current, columns.current);
+}
+
+void MDATablePrivate::repaintDifference(const MDATableSelection &before,
+                                        const MDATableSelection &after) const
+{
+    const QRegion changed = QRegion(visibleRect(before)) ^ visibleRect(after);
+    for (const QRect &part : changed)
+        q->viewport()->update(tul::grownForRepaint(part));
+}
+
+void MDATablePrivate::updateSelectedLook() const
+{
+    q->updateCell(rows.current, columns.current);
+    for (int i = 0; i < selections.count(); ++i)
+        q->viewport()->update(visibleRect(selections.at(i)));
+}
+
+/// Sets a scroll bar's maximum. Hiding a million rows one by one changes it a million times: as
+/// long as the bar stays visible and keeps its value, nobody but listeners of the range needs to
+/// know at once, and they are told once, with the delayed layout.
+void MDATablePrivate::setBarMaximum(QScrollBar *bar, int maximum)
+{
+    if (bar->maximum() == maximum)
+        return;
+    if (bar->maximum() == 0 || maximum == 0 || bar->value() > maximum) {
+        bar->setMaximum(maximum);
+        return;
+    }
+    const QSignalBlocker blocker(bar);
+    bar->setMaximum(maximum);
+    barRangesPending = true;
+    q->delayedUpdateGeometries();
+}
+
+void MDATablePrivate::announceBarRanges()
+{
+    if (!barRangesPending)
+        return;
+    barRangesPending = false;
+    const QPointer<MDATable> table(q);
+    for (QScrollBar *bar : {columns.bar, rows.bar}) {
+        if (table)
+            Q_EMIT bar->rangeChanged(bar->minimum(), bar->maximum());
+    }
+}
