@@ -310,23 +310,48 @@ void copyTable(benchmark::State &state)
 }
 BENCHMARK(copyTable)->Unit(benchmark::kMillisecond);
 
-/// What programs do for want of a copy in the view.
+/// The same with the items stored in the table.
+void copyFilledTable(benchmark::State &state)
+{
+    MDATable table(1000, 1000, nullptr, "table");
+    for (int row = 0; row < 1000; ++row) {
+        for (int col = 0; col < 1000; ++col)
+            table.setText(row, col, numberAt(row, col));
+    }
+    showWithViewport(table);
+    table.selectCells(0, 0, 999, 999);
+    for (auto _ : state)
+        table.copy();
+}
+BENCHMARK(copyFilledTable)->Unit(benchmark::kMillisecond);
+
+/// What programs do for want of a copy in the view: over the selected indexes, or over the model by
+/// those that know that a rectangle is selected.
 void copyView(benchmark::State &state)
 {
-    View view(1000000);
+    View view(1000, 1000);
     showWithViewport(view.view);
+    view.view.selectAll();
     for (auto _ : state) {
         QString text;
-        for (int row = 0; row < 1000; ++row) {
-            for (int col = 0; col < 1000; ++col) {
-                text += view.model.index(row, col).data().toString();
-                text += col == 999 ? QLatin1Char('\n') : QLatin1Char(',');
+        const auto append = [&text](const QModelIndex &index) {
+            text += index.data().toString();
+            text += index.column() == 999 ? QLatin1Char('\n') : QLatin1Char(',');
+        };
+        if (state.range(0) == 0) {
+            const QModelIndexList indexes = view.view.selectionModel()->selectedIndexes();
+            for (const QModelIndex &index : indexes)
+                append(index);
+        } else {
+            for (int row = 0; row < 1000; ++row) {
+                for (int col = 0; col < 1000; ++col)
+                    append(view.model.index(row, col));
             }
         }
         QApplication::clipboard()->setText(text);
     }
 }
-BENCHMARK(copyView)->Unit(benchmark::kMillisecond);
+BENCHMARK(copyView)->ArgName("direct")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 void drag(benchmark::State &state, QAbstractScrollArea &area)
 {
@@ -341,9 +366,12 @@ void drag(benchmark::State &state, QAbstractScrollArea &area)
     int step = 0;
     for (auto _ : state) {
         ++step;
-        const QPoint pos(40 + cellWidth * (step % 15), 10 + cellHeight * (step % 39));
+        // To and fro: a person drags from cell to cell.
+        const int row = step % 76 < 38 ? step % 76 : 76 - step % 76;
+        const QPoint pos(40 + 5 * cellWidth, 10 + cellHeight * row);
         QCursor::setPos(viewport->mapToGlobal(pos));
         send(QEvent::MouseMove, pos, Qt::LeftButton);
+        QCoreApplication::processEvents();
     }
     send(QEvent::MouseButtonRelease, QPoint(40, 10), Qt::NoButton);
 }

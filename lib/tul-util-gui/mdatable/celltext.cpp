@@ -79,12 +79,17 @@ bool drawNumber(QPainter *painter, const QRect &rect, int flags, const QString &
     NumberGlyphs glyphs;
     const qreal top = rect.y() + (vertical ? (rect.height() - font.height()) / 2.0 : 0.0);
     const qreal baseline = top + font.ascent();
-    // What does not fit is clipped by the toolkit.
+    // What does not fit is clipped by the toolkit, also at the sides when it is too high.
     if (baseline - font.inkAscent() < rect.y()
-        || baseline + font.inkDescent() > rect.y() + rect.height() || !font.lookUp(text, glyphs)
+        || baseline + font.inkDescent() > rect.y() + rect.height()
+        || (font.height() > rect.height() && font.overhangs()) || !font.lookUp(text, glyphs)
         || glyphs.width > rect.width())
         return false;
     const QPointF origin(right ? rect.x() + rect.width() - glyphs.width : rect.x(), baseline);
+    // Positions before the first pixel are rounded differently for texts and for glyphs.
+    const QPointF onDevice = painter->deviceTransform().map(origin);
+    if (onDevice.x() < 1 || onDevice.y() < 1)
+        return false;
     if (drawPictures(painter, origin, glyphs, background, font))
         return true;
     QGlyphRun run;

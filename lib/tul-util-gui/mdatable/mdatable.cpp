@@ -729,7 +729,9 @@ void MDATable::paintEvent(QPaintEvent *event)
 {
     QScrollArea::paintEvent(event);
     QPainter painter(viewport());
+    d->painter.setExposed(event->region());
     drawContents(&painter, event->rect());
+    d->painter.setExposed(QRegion());
 }
 
 void MDATable::resizeEvent(QResizeEvent *event)

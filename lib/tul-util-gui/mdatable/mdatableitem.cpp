@@ -89,7 +89,11 @@ void MDATableItem::paint(QPainter *painter, const QPalette &palette, const QRect
 {
     const QBrush &background = palette.brush(selected ? QPalette::Highlight : QPalette::Base);
     painter->fillRect(QRect(0, 0, rect.width(), rect.height()), background);
-    painter->setPen(palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
+    const QColor &colour = palette.color(selected ? QPalette::HighlightedText : QPalette::Text);
+    // Making a pen costs as much as looking up the text.
+    if (painter->pen().color() != colour || painter->pen().widthF() != 1.0
+        || painter->pen().style() != Qt::SolidLine)
+        painter->setPen(colour);
     tul::drawText(painter, QRect(textMargin, 0, rect.width() - 2 * textMargin, rect.height()),
                   alignment(), text(),
                   background.style() == Qt::SolidPattern ? background.color() : QColor());

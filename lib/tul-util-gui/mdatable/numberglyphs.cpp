@@ -8,12 +8,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace
 {
 
 const std::size_t keptFonts = 8;
 const std::size_t keptPictures = 8; // of one font
+const int blockSize = 4; // pixels
 
 QString alphabet()
 {
@@ -56,20 +58,17 @@ QList<QGlyphRun> laidOut(const QString &text, const QFont &font)
 template<typename List, typename IsWanted, typename Make>
 auto &usedLast(List &list, std::size_t kept, IsWanted isWanted, Make make)
 {
+    if (!list.empty() && isWanted(list.front()))
+        return *list.front();
     const auto found = std::find_if(list.begin(), list.end(), isWanted);
     if (found == list.end()) {
         if (list.size() == kept)
             list.pop_back();
         list.insert(list.begin(), make());
-    } else if (found != list.begin()) {
+    } else {
         std::rotate(list.begin(), found, found + 1);
     }
     return *list.front();
-}
-
-QRgb *pixels(QImage &image, int row)
-{
-    return reinterpret_cast<QRgb *>(image.scanLine(row));
 }
 
 const QRgb *constPixels(const QImage &image, int row)
@@ -98,10 +97,22 @@ bool isShifted(const QImage &image, const QImage &original, int x, int y)
     return image.copy(QRect(QPoint(x, y), size)) == original.copy(QRect(QPoint(0, 0), size));
 }
 
+/// Copies rows of as many blocks; the compiler unrolls the inner loop.
+template<int blocks, typename Block>
+void copyRows(const Block *from, QRgb *to, int rows, int stride)
+{
+    for (int row = 0; row < rows; ++row) {
+        for (int block = 0; block < blocks; ++block)
+            std::memcpy(to + block * blockSize, from++, sizeof(Block));
+        to += stride;
+    }
+}
+
 } // namespace
 
-NumberPictures::NumberPictures(const QRawFont &font, const QVector<quint32> &glyphs, QRgb text,
-                               QRgb background, QImage::Format format, qreal ratio)
+NumberPictures::NumberPictures(const QRawFont &font, const QVector<quint32> &glyphs,
+                               const QVector<qreal> &advances, QRgb text, QRgb background,
+                               QImage::Format format, qreal ratio)
     : m_font(font)
     , m_text(text)
     , m_background(background)
@@ -125,14 +136,34 @@ NumberPictures::NumberPictures(const QRawFont &font, const QVector<quint32> &gly
         }
     }
     m_rows = rows.height();
+    m_widestGap = 1;
+    int largestLeft = 0;
+    for (std::size_t i = 0; i < inks.front().size(); ++i) {
+        const int origin = images.front()[i].width() / 2;
+        const QRect &ink = inks.front()[i];
+        const int advance = static_cast<int>(std::ceil(advances.at(static_cast<int>(i)) * ratio));
+        m_widestGap = std::max(m_widestGap, origin + advance - ink.right());
+        largestLeft = std::max(largestLeft, ink.left() - origin);
+    }
+    m_widestGap += largestLeft;
     for (std::size_t variant = 0; variant < variants.size(); ++variant) {
         m_pictures.emplace_back();
         for (std::size_t i = 0; i < images[variant].size(); ++i) {
             const QImage &image = images[variant][i];
             const QRect &ink = inks[variant][i];
             m_top = rows.top() - image.height() / 2;
-            m_pictures.back().push_back({ink.left() - image.width() / 2,
-                                         image.copy(ink.left(), rows.top(), ink.width(), m_rows)});
+            Picture picture{ink.left() - image.width() / 2, ink.width(), 0, {}};
+            picture.blocks = (ink.width() + m_widestGap + blockSize - 1) / blockSize;
+            for (int row = 0; row < m_rows; ++row) {
+                const QRgb *from = constPixels(image, rows.top() + row) + ink.left();
+                for (int x = 0; x < picture.blocks * blockSize; ++x) {
+                    if (x % blockSize == 0)
+                        picture.rows.emplace_back();
+                    picture.rows.back()[static_cast<std::size_t>(x % blockSize)]
+                        = x < ink.width() ? from[x] : background;
+                }
+            }
+            m_pictures.back().push_back(std::move(picture));
         }
     }
 }
@@ -148,9 +179,10 @@ bool NumberPictures::draw(QPainter *painter, const QPointF &baseline, const Numb
 
     struct Part {
         int start;
-        const QImage *image;
+        const Picture *picture;
+        int end() const { return start + picture->width; }
     };
-    std::array<Part, NumberGlyphs::capacity> parts;
+    std::array<Part, NumberGlyphs::capacity> parts{};
     const auto count = static_cast<std::size_t>(glyphs.count);
     for (std::size_t i = 0; i < count; ++i) {
         const qreal position = x + m_ratio * glyphs.positions[i].x();
@@ -159,28 +191,51 @@ bool NumberPictures::draw(QPainter *painter, const QPointF &baseline, const Numb
             = m_placements[static_cast<std::size_t>((position - pixel) * fractions)];
         const Picture &picture
             = m_pictures[placement.variant][static_cast<std::size_t>(glyphs.characters[i])];
-        parts[i] = {static_cast<int>(pixel) + placement.shift + picture.left, &picture.image};
-        if (i > 0 && parts[i].start < parts[i - 1].start + parts[i - 1].image->width())
-            return false; // the ink of neighbours overlaps
+        parts[i] = {static_cast<int>(pixel) + placement.shift + picture.left, &picture};
+        const int gap = i > 0 ? parts[i].start - parts[i - 1].end() : 0;
+        if (gap < 0 || gap > m_widestGap)
+            return false; // the ink of neighbours overlaps, or is unusually far apart
     }
 
     const int start = parts[0].start;
-    const int width = parts[count - 1].start + parts[count - 1].image->width() - start;
-    if (width > m_composed.width()) {
-        m_composed = QImage(width, m_rows, m_format);
-        m_composed.setDevicePixelRatio(m_ratio);
-    }
-    for (int row = 0; row < m_rows; ++row) {
-        QRgb *const composed = pixels(m_composed, row);
-        std::fill_n(composed, width, m_background);
-        for (std::size_t i = 0; i < count; ++i) {
-            std::copy_n(constPixels(*parts[i].image, row), parts[i].image->width(),
-                        composed + (parts[i].start - start));
-        }
-    }
+    const int width = parts[count - 1].end() - start;
+    growComposed(width);
+    // In this order: each picture is wider than its ink and ends behind the start of the next one.
+    for (std::size_t i = 0; i < count; ++i)
+        compose(*parts[i].picture, parts[i].start - start);
     painter->drawImage(QPointF((start - transform.dx()) / m_ratio, (y - transform.dy()) / m_ratio),
                        m_composed, QRectF(0, 0, width, m_rows));
     return true;
+}
+
+void NumberPictures::growComposed(int width)
+{
+    if (width <= m_composedWidth)
+        return;
+    m_composedWidth = width;
+    m_composed = QImage(width + m_widestGap + blockSize, m_rows, m_format);
+    m_composed.setDevicePixelRatio(m_ratio);
+    m_composedPixels = reinterpret_cast<QRgb *>(m_composed.bits());
+}
+
+void NumberPictures::compose(const Picture &picture, int offset)
+{
+    QRgb *to = m_composedPixels + offset;
+    const Block *from = picture.rows.data();
+    const int stride = m_composed.width();
+    switch (picture.blocks) {
+    case 1:
+        return copyRows<1>(from, to, m_rows, stride);
+    case 2:
+        return copyRows<2>(from, to, m_rows, stride);
+    case 3:
+        return copyRows<3>(from, to, m_rows, stride);
+    case 4:
+        return copyRows<4>(from, to, m_rows, stride);
+    default:
+        for (int row = 0; row < m_rows; ++row, from += picture.blocks, to += stride)
+            std::memcpy(to, from, static_cast<std::size_t>(picture.blocks) * sizeof(Block));
+    }
 }
 
 /// A glyph on background, its origin in the middle, shifted by less than a pixel.
@@ -303,8 +358,8 @@ NumberPictures &NumberFont::pictures(QRgb text, QRgb background, QImage::Format 
         m_pictures, keptPictures,
         [&](const auto &known) { return known->isFor(text, background, format, ratio); },
         [&] {
-            return std::make_unique<NumberPictures>(m_rawFont, m_indices, text, background, format,
-                                                    ratio);
+            return std::make_unique<NumberPictures>(m_rawFont, m_indices, m_advances, text,
+                                                    background, format, ratio);
         });
 }
 
@@ -320,12 +375,15 @@ bool NumberFont::readGlyphs()
         return false;
     m_rawFont = runs.constFirst().rawFont();
     m_indices = runs.constFirst().glyphIndexes();
-    for (const quint32 index : qAsConst(m_indices)) {
-        const QRectF ink = m_rawFont.boundingRect(index);
+    if (m_indices.size() != m_advances.size())
+        return false;
+    for (int i = 0; i < m_indices.size(); ++i) {
+        const QRectF ink = m_rawFont.boundingRect(m_indices.at(i));
+        m_overhangs = m_overhangs || ink.left() < 0 || ink.right() > m_advances.at(i);
         m_inkAscent = std::max(m_inkAscent, 1 - ink.top());
         m_inkDescent = std::max(m_inkDescent, 1 + ink.bottom());
     }
-    return m_indices.size() == alphabet().size();
+    return true;
 }
 
 /// Kerning and ligatures make a pair of characters something else than the two side by side: lays

@@ -28,7 +28,8 @@ struct NumberGlyphs {
 class NumberPictures
 {
 public:
-    NumberPictures(const QRawFont &font, const QVector<quint32> &glyphs, QRgb text, QRgb background,
+    NumberPictures(const QRawFont &font, const QVector<quint32> &glyphs,
+                   const QVector<qreal> &advances, QRgb text, QRgb background,
                    QImage::Format format, qreal ratio);
 
     bool isFor(QRgb text, QRgb background, QImage::Format format, qreal ratio) const
@@ -48,12 +49,18 @@ private:
         std::size_t variant = 0;
         int shift = 0; // 1 where the position is rounded to the next pixel
     };
+    /// Rows are copied by blocks of pixels: one processor instruction each way.
+    using Block = std::array<QRgb, 4>;
     struct Picture {
         int left = 0; // pixels from the origin of the glyph to its ink
-        QImage image;
+        int width = 0; // of the ink
+        int blocks = 0; // of each row, which background fills up
+        std::vector<Block> rows;
     };
     static constexpr int fractions = 64; // of a pixel: what the toolkit distinguishes
 
+    void growComposed(int width);
+    void compose(const Picture &picture, int offset);
     QImage drawn(quint32 glyph, const QPointF &shift) const;
     bool roundsRows(quint32 glyph) const;
     std::vector<int> findVariants(quint32 glyph);
@@ -65,9 +72,12 @@ private:
     const qreal m_ratio;
     int m_top = 0; // rows from the baseline to the first row of ink
     int m_rows = 0;
+    int m_widestGap = 0; // pixels between the ink of two neighbours
     std::array<Placement, fractions> m_placements;
     std::vector<std::vector<Picture>> m_pictures; // by variant and place in the alphabet
-    QImage m_composed;
+    QImage m_composed; // the text that is being put together
+    QRgb *m_composedPixels = nullptr; // its pixels; nobody shares them
+    int m_composedWidth = 0;
 };
 
 /// What is known of the characters of numbers in one font: a text made of them is measured and
@@ -87,6 +97,9 @@ public:
     /// What the glyphs reach above and below the baseline, with a pixel to spare.
     qreal inkAscent() const { return m_inkAscent; }
     qreal inkDescent() const { return m_inkDescent; }
+
+    /// Whether glyphs reach out of their advance widths.
+    bool overhangs() const { return m_overhangs; }
 
     const QRawFont &rawFont() const { return m_rawFont; }
 
@@ -110,6 +123,7 @@ private:
     int m_ascent;
     qreal m_inkAscent = 0;
     qreal m_inkDescent = 0;
+    bool m_overhangs = false;
     QRawFont m_rawFont;
     QVector<quint32> m_indices;
     QVector<qreal> m_advances;

@@ -2,6 +2,7 @@
 
 #include <QPalette>
 #include <QRect>
+#include <QRegion>
 
 #include <optional>
 
@@ -21,6 +22,11 @@ public:
     }
 
     void drawContents(QPainter *painter, const QRect &clip);
+
+    /// The part of the viewport to which the next drawContents() can leave traces: cells outside it
+    /// are skipped. All of it when empty.
+    void setExposed(const QRegion &region) { m_exposed = region; }
+
     QPalette::ColorGroup groupOf(long long row, long long col) const;
     void drawCell(QPainter *painter, long long row, long long col, const QRect &cr, bool selected,
                   QPalette::ColorGroup group) const;
@@ -34,6 +40,7 @@ public:
 private:
     bool hasFocus() const;
     bool wantsActiveLook() const;
+    bool isExposed(const QRect &rect) const;
     int gridHint() const;
     void drawCells(QPainter *painter, long long rowFirst, long long colFirst, long long rowLast,
                    long long colLast);
@@ -42,6 +49,7 @@ private:
     const MDATablePrivate *const d;
     bool m_activeLook = true; // true outside drawContents()
     bool m_keepActiveLook = false;
+    QRegion m_exposed;
     std::optional<int> m_gridHint; // asked once per drawContents(), the style answers slowly
     long long m_lastPaintedRow = -1;
     long long m_lastPaintedCol = -1;
