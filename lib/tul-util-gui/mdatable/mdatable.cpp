@@ -401,9 +401,11 @@ QRect MDATable::rangeGeometry(long long top, long long left, long long bottom, l
 void MDATable::updateScrollBars()
 {
     const QSize table = tableSize();
-    const QSize room = maximumViewportSize();
     // Contents that fit without scroll bars need none, even if those that show now take their room.
-    const bool fits = table.width() <= room.width() && table.height() <= room.height();
+    const auto fitsInto = [&table](const QSize &room) {
+        return table.width() <= room.width() && table.height() <= room.height();
+    };
+    const bool fits = fitsInto(size()) && fitsInto(maximumViewportSize()); // which is slow to tell
     const QSize excess = fits ? QSize(0, 0) : (table - viewport()->size()).expandedTo(QSize(0, 0));
     d->setBarMaximum(d->columns.bar, excess.width());
     d->setBarMaximum(d->rows.bar, excess.height());

@@ -162,6 +162,7 @@ void MDATableHeader::paintEvent(QPaintEvent *event)
     }
 
     QPainter painter(this);
+    painter.setLayoutDirection(Qt::LeftToRight); // labels are placed by the header, like the cells
     painter.setPen(palette().color(QPalette::ButtonText));
     QStyleOptionHeader option;
     option.palette = palette();
@@ -219,7 +220,13 @@ QRect MDATableHeader::rectAt(long long start, long long end, int crossStart, int
     const int from = static_cast<int>(std::max<long long>(start, -clipMargin));
     const int to = static_cast<int>(std::min<long long>(end, length() + clipMargin));
     return isHorizontal() ? QRect(from, crossStart, to - from, crossLength)
-                          : QRect(crossStart, from, crossLength, to - from);
+                          : mirrored(QRect(crossStart, from, crossLength, to - from));
+}
+
+/// The outer edge of the header of the rows is its right one in a right-to-left layout.
+QRect MDATableHeader::mirrored(const QRect &rect) const
+{
+    return QStyle::visualRect(layoutDirection(), this->rect(), rect);
 }
 
 /// Limits a range of sections to those that there are; false when nothing remains.
@@ -298,10 +305,11 @@ void MDATableHeader::scrollLabels(int oldOffset)
     if (isHorizontal())
         scroll(by, 0, QRect(0, labelStart, width(), height() - labelStart));
     else
-        scroll(0, by, QRect(labelStart, 0, width() - labelStart, height()));
+        scroll(0, by, mirrored(QRect(labelStart, 0, m_bands.length() - m_nameWidth, height())));
     if (m_lines.size() < 2 || !isVisible())
         return;
-    repaint(isHorizontal() ? QRect(0, 0, width(), innerStart) : QRect(0, 0, innerStart, height()));
+    repaint(isHorizontal() ? QRect(0, 0, width(), innerStart)
+                           : mirrored(QRect(0, 0, innerStart, height())));
 }
 
 MDATableHeader::Label MDATableHeader::blockLabel(const HeaderLine &line, long long block) const

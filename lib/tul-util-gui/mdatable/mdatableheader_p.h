@@ -105,6 +105,7 @@ private:
     bool isHorizontal() const { return m_orientation == Qt::Horizontal; }
     int length() const { return isHorizontal() ? width() : height(); }
     QRect rectAt(long long start, long long end, int crossStart, int crossLength) const;
+    QRect mirrored(const QRect &rect) const;
     bool clampRange(long long &from, long long &to) const;
     void updateFrom(long long section);
     void recomputeMetrics();

@@ -61,6 +61,9 @@ void TablePainter::drawCells(QPainter *painter, long long rowFirst, long long co
         && !d->selections.isInLargerBlock(currentRow, currentCol);
     const QSize cell(q->columnWidth(), q->rowHeight());
     const QTransform origin = painter->worldTransform();
+    const Qt::LayoutDirection direction = painter->layoutDirection();
+    // Cells are not mirrored, and neither is what they hold: a minus stays before its number.
+    painter->setLayoutDirection(Qt::LeftToRight);
     painter->setPen(q->palette().color(QPalette::Text)); // the one that most items will set
     const int xFirst = q->columnPos(colFirst);
     long long y = q->rowPos(rowFirst);
@@ -79,6 +82,7 @@ void TablePainter::drawCells(QPainter *painter, long long rowFirst, long long co
         }
         y += cell.height();
     }
+    painter->setLayoutDirection(direction);
 }
 
 QPalette::ColorGroup TablePainter::groupOf(long long row, long long col) const
