@@ -1,0 +1,72 @@
+#include <workbench/mainwindow.h>
+#include <workbench/page.h>
+#include <workbench/screenshots.h>
+
+#include <QApplication>
+#include <QCommandLineParser>
+
+#include <cstdio>
+
+namespace
+{
+
+const char description[]
+    = "Shows what the library can do, each part on a page of its own. The first page shows numbers "
+      "from an HDF5 file.";
+
+int wrongUsage(const QString &message)
+{
+    std::fprintf(stderr, "workbench: %s\n", qPrintable(message));
+    return 1;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    const QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("workbench"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Workbench"));
+    QApplication::setApplicationVersion(QStringLiteral(WORKBENCH_VERSION));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QString::fromLatin1(description));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("file"),
+                                 QStringLiteral("HDF5 file to show; a sample without it."),
+                                 QStringLiteral("[file]"));
+    parser.addPositionalArgument(
+        QStringLiteral("dataset"),
+        QStringLiteral("Dataset of that file, such as /group/name; the first one of numbers "
+                       "without it."),
+        QStringLiteral("[dataset]"));
+    const QCommandLineOption screenshots(
+        QStringLiteral("screenshots"),
+        QStringLiteral("Write a picture of each page into <directory> and quit."),
+        QStringLiteral("directory"));
+    parser.addOption(screenshots);
+    parser.process(application);
+
+    QStringList arguments = parser.positionalArguments();
+    if (arguments.size() > 2)
+        return wrongUsage(QStringLiteral("more than a file and a dataset; try --help"));
+    if (arguments.isEmpty())
+        arguments.append(QStringLiteral(WORKBENCH_SAMPLE_FILE));
+
+    const bool forPictures = parser.isSet(screenshots);
+    const bool unattended = forPictures
+        || QApplication::platformName() == QLatin1String("offscreen")
+        || QApplication::platformName() == QLatin1String("minimal");
+    MainWindow window(unattended ? MainWindow::Reporting::StandardError
+                                 : MainWindow::Reporting::MessageBoxes);
+    window.show();
+    window.pages().first()->open(arguments);
+    if (unattended && window.faultCount() > 0)
+        return 1;
+    if (forPictures)
+        return saveScreenshots(&window, parser.value(screenshots)) ? 0 : 1;
+    return QApplication::exec();
+}

@@ -1,0 +1,9 @@
+#include <workbench/arraypage.h>
+#include <workbench/pages.h>
+
+QVector<WorkbenchPage *> createPages(QWidget *parent)
+{
+    return {
+        new ArrayPage(parent),
+    };
+}
