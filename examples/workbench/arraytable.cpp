@@ -27,21 +27,6 @@ constexpr int leastDigits = 6;
 
 using TileKey = QPair<long long, long long>;
 
-/// A number, which runs from left to right in every script: where text runs the other way, -1 would
-/// be drawn as 1-.
-class NumberItem : public MDATableItem
-{
-public:
-    using MDATableItem::MDATableItem;
-
-    void paint(QPainter *painter, const QPalette &palette, const QRect &rect,
-               bool selected) override
-    {
-        painter->setLayoutDirection(Qt::LeftToRight);
-        MDATableItem::paint(painter, palette, rect, selected);
-    }
-};
-
 void setLines(MDATable *table, ArraySlice::Axis axis, const ArraySlice &slice,
               const QStringList &names)
 {
@@ -85,7 +70,7 @@ struct ArrayTable::Private {
     bool failed = false; ///< reading failed and was reported
     QString longestText; ///< of the cells so far
     QTimer widenTimer;
-    NumberItem cell; ///< filled anew for each cell that is asked for
+    MDATableItem cell; ///< filled anew for each cell that is asked for
 };
 
 ArrayTable::Private::Private(ArrayTable *table)
