@@ -28,6 +28,8 @@ write_basic_package_version_file(
     ${PROJECT_BINARY_DIR}/TulUtilGuiConfigVersion.cmake
     COMPATIBILITY SameMinorVersion
 )
+# Relative, so that the prefix may be chosen when installing.
+file(RELATIVE_PATH TUL_PREFIX_FROM_PKGCONFIG /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(
     ${CMAKE_CURRENT_LIST_DIR}/tul-util-gui.pc.in
     ${PROJECT_BINARY_DIR}/tul-util-gui.pc

@@ -1,11 +1,9 @@
-// Writes the file that the workbench shows when it is given none:
+// Writes the file that the workbench shows when it is given none. Every run writes the same bytes.
 //
-//   /temperature  365 x 48                  a year of daily means at 48 stations
-//   /huge         10^12 x 1000              nearly all of it unwritten; cells hold 1000 row +
-//   column /simulation   12 x 6 x 40 x 60          a field over time, level, latitude and longitude
-//   /notes, /version                        a list of strings and a scalar, which have no table
-//
-// Every run writes the same bytes.
+// - /temperature, 365 x 48: a year of daily means at 48 stations
+// - /huge, 10^12 x 1000, nearly all of it unwritten: written cells hold 1000 row + column
+// - /simulation, 12 x 6 x 40 x 60: a field over time, level, latitude and longitude
+// - /notes, a list of strings, and /version, a scalar: neither has a table
 
 #include <workbench/h5handle.h>
 

@@ -342,14 +342,16 @@ QVector<ArrayPage::Shot> ArrayPage::namedShots() const
 QStringList ArrayPage::shots() const
 {
     QStringList result;
-    for (const Shot &shot : namedShots())
+    const auto shots = namedShots();
+    for (const Shot &shot : shots)
         result.append(shot.name);
     return result;
 }
 
 void ArrayPage::prepareShot(const QString &shot)
 {
-    for (const Shot &candidate : namedShots()) {
+    const auto candidates = namedShots();
+    for (const Shot &candidate : candidates) {
         if (candidate.name == shot)
             openDataset(candidate.dataset);
     }

@@ -15,13 +15,13 @@
 /// other: when run() itself starts an event loop, as a modal dialog does, the next ones begin in
 /// that loop.
 ///
-/// *Ownership:* after run() the object deletes itself with deleteLater() unless
+/// *Ownership*: after run() the object deletes itself with deleteLater() unless
 /// setAutoDelete(false) was called. It may be deleted earlier, by its parent or by anyone: while it
 /// waits, run() is then never called; while run() is on the stack, nothing touches the object after
 /// run() has returned, and run() itself must notice. Never hand it to a thread pool, which would be
 /// a second owner.
 ///
-/// *Threads:* run() is called on the GUI thread, the thread of the application object. The object
+/// *Threads*: run() is called on the GUI thread, the thread of the application object. The object
 /// lives there and is deleted there.
 class TUL_UTIL_EXPORT QQueuedRunnable : public QObject, public QRunnable
 {

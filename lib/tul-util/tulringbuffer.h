@@ -14,7 +14,7 @@
 /// memory is given back as the bytes are read. Each operation costs time in proportion to the bytes
 /// that it copies, however many are held; an emptied buffer keeps one chunk.
 ///
-/// *Threads:* none of its own and no lock; whoever shares one locks.
+/// *Threads*: none of its own and no lock; whoever shares one locks.
 class TUL_UTIL_EXPORT TULRingBuffer
 {
 public:

@@ -68,15 +68,11 @@ bool CellStore::isInPlace(const MDATableItem *item, long long columns) const
 
 void CellStore::releaseItem(const MDATableItem *item, long long columns)
 {
-    if (m_sparse) {
-        const auto found = findSparse(item, columns);
-        if (found != m_sparseItems.end())
-            m_sparseItems.erase(found);
-    } else {
-        const int slot = slotOf(item, columns);
-        if (slot != -1)
-            m_dense[slot] = nullptr;
-    }
+    if (removeFromMap(item, columns))
+        return;
+    const int slot = slotOf(item, columns);
+    if (slot != -1)
+        m_dense[slot] = nullptr;
 }
 
 void CellStore::removeItem(const MDATableItem *item, long long columns)
@@ -160,19 +156,21 @@ void CellStore::clear()
     qDeleteAll(dense);
 }
 
-/// The map entry of an item: under its own index, unless the item was moved behind the table's
-/// back.
-QMap<long long, MDATableItem *>::iterator CellStore::findSparse(const MDATableItem *item,
-                                                                long long columns)
+bool CellStore::removeFromMap(const MDATableItem *item, long long columns)
 {
-    const auto found = m_sparseItems.find(indexOf(item->row(), item->col(), columns));
-    return found != m_sparseItems.end() && found.value() == item ? found : m_sparseItems.end();
+    const long long index = indexOf(item->row(), item->col(), columns);
+    if (m_sparseItems.value(index, nullptr) != item)
+        return false;
+    m_sparseItems.remove(index);
+    return true;
 }
 
-/// The dense slot of an item, -1 when it is in none.
+/// The dense slot of an item, also of one left behind in a table that has become sparse; -1 when it
+/// is in none.
 int CellStore::slotOf(const MDATableItem *item, long long columns) const
 {
-    if (isInPlace(item, columns))
-        return static_cast<int>(indexOf(item->row(), item->col(), columns));
+    const long long index = indexOf(item->row(), item->col(), columns);
+    if (index >= 0 && index < m_dense.size() && m_dense.at(static_cast<int>(index)) == item)
+        return static_cast<int>(index);
     return m_shifted ? m_dense.indexOf(const_cast<MDATableItem *>(item)) : -1;
 }

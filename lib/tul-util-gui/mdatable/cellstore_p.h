@@ -62,8 +62,7 @@ public:
     void clear();
 
 private:
-    QMap<long long, MDATableItem *>::iterator findSparse(const MDATableItem *item,
-                                                         long long columns);
+    bool removeFromMap(const MDATableItem *item, long long columns);
     int slotOf(const MDATableItem *item, long long columns) const;
 
     QVector<MDATableItem *> m_dense;

@@ -14,7 +14,7 @@
 /// Inside the list a drag moves the entries; from one list to another it moves or copies them, as
 /// the user chooses. Entries are removed here only after a move, and only those that were dragged.
 ///
-/// *By design:* a fixed entry that is selected together with a movable one travels with it.
+/// *By design*: a fixed entry that is selected together with a movable one travels with it.
 /// Selected entries are drawn without a highlight while the list is enabled.
 class TUL_UTIL_GUI_EXPORT MdaDimensionListWidget : public FixedHeightListWidget
 {

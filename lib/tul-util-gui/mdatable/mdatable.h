@@ -51,7 +51,7 @@ public:
     /// How the current cell is marked while the table has the focus.
     enum FocusStyle {
         FollowStyle = 0, ///< by the focus frame of the widget style
-        SpreadSheet = 1, ///< by a double black frame; selected alone, it is drawn unselected
+        SpreadSheet = 1, ///< by a double black frame around a cell that is drawn unselected
     };
     Q_ENUM(FocusStyle)
 
@@ -92,8 +92,9 @@ public:
     // Cells
 
     /// The item of a cell, null when it is empty or outside the table. The table reads its cells
-    /// only through this function, and only those that it paints, copies or steps over with Tab. An
-    /// override may return one item that it fills anew for each call.
+    /// only through this function, and only those that it paints (twice each), copies, steps over
+    /// with Tab or finds under a pressed mouse button. An override may return one item that it
+    /// fills anew for each call.
     virtual MDATableItem *item(long long row, long long col) const;
 
     /// Places an item, deletes the one that was there, and takes ownership. An item that already
@@ -123,20 +124,22 @@ public:
     ///
     /// By design: sparse to dense moves the items into their slots; dense to sparse moves nothing,
     /// the items reappear when the table is dense again. Changing the dimensions of a sparse table
-    /// drops every item without deleting it: refill the table, or keep the pointers.
+    /// drops every item of the map without deleting it: refill the table, or keep the pointers.
     bool isSparse() const;
     void setSparse(bool sparse);
 
     /// Makes the table a dense one of 0 x 0 cells without items, selections, header lines, hidden
-    /// sections, valid region and current cell.
+    /// sections, valid region and current cell. That there is no current cell any more is not
+    /// announced.
     void clear();
 
     /// Deletes all items and forgets selections and valid region. Dimensions, hidden sections and
     /// storage mode stay.
     void clearData();
 
-    /// Adds to the region in which empty cells are drawn as disabled. In cell coordinates: x is the
-    /// column, y the row, one unit a cell.
+    /// Adds to the region whose cells belong to the array even where no item was set: there, empty
+    /// cells are drawn as disabled. In cell coordinates: x is the column, y the row, one unit a
+    /// cell. By design: coordinates have 32 bits, and cells beyond them wrap round.
     void addValidRegion(const QRegion &region);
 
     /// Whether the cell is inside the table; the valid region plays no part in it.
@@ -145,8 +148,9 @@ public:
     // Geometry
 
     /// The height of every row and width of every column, in pixels. Negative sizes count as 0; at
-    /// 0 nothing is painted. Both are 20 until the first change of the dimensions, which sets them
-    /// from the font and the header lines: set your own afterwards.
+    /// 0 nothing is painted. Both begin with 20. setNumRows() and changes of the left header's
+    /// lines set the row height from the font, setNumCols() and changes of the top header's lines
+    /// call adjustColumnWidth(): set your own afterwards.
     virtual int rowHeight() const;
     virtual void setRowHeight(int height);
     virtual int columnWidth() const;
@@ -214,7 +218,8 @@ public:
     virtual int currentSelection() const;
     MDATableSelection getCurrentSelection() const;
 
-    /// Whether the cell lies in an active block, or is the current cell while there are blocks.
+    /// Whether the cell lies in an active block, or is the current cell while there are blocks,
+    /// active or not: there always is one after the current cell was moved by key.
     virtual bool isSelected(long long row, long long col) const;
 
     /// Whether an active block touches the row or column or, with `full`, holds it whole. Blocks
@@ -237,7 +242,8 @@ public:
 public Q_SLOTS:
     /// Sets the number of rows or columns; negative counts are ignored. Drops the selections and,
     /// in a dense table, deletes the items whose cells are gone; see setSparse() for sparse ones.
-    /// Also an unchanged count does all this. The current cell stays inside the table.
+    /// Sets the row height or the column width, see rowHeight(). Also an unchanged count does all
+    /// this. The current cell stays inside the table.
     virtual void setNumRows(long long numRows);
     virtual void setNumCols(long long numCols);
 
@@ -259,6 +265,8 @@ public Q_SLOTS:
     /// header lines change.
     virtual void setLeftMargin(int margin);
     virtual void setTopMargin(int margin);
+
+    /// Called when the thickness of a header changed, in pixels: sets its margin.
     void leftHeaderFixedExtentChanged(int extent);
     void topHeaderFixedExtentChanged(int extent);
 
@@ -275,10 +283,11 @@ Q_SIGNALS:
     /// Emitted when another cell became current; -1/-1 for none.
     void currentChanged(long long row, long long col);
 
-    /// Emitted when a mouse button goes down on the table, is released over the cell on which it
-    /// went down, or is pressed twice. `button` is a Qt::MouseButton, `mousePos` is in viewport
-    /// coordinates. pressed() reports the nearest visible cell for positions outside the cells, and
-    /// disabled cells too; doubleClicked() is for the left button only.
+    /// pressed() is emitted when a mouse button goes down on the table, with the nearest visible
+    /// cell for positions outside the cells and for disabled cells too; clicked() when it is
+    /// released and the cell on which it went down is the current one; doubleClicked() when the
+    /// left button is pressed twice on a cell. `button` is a Qt::MouseButton, `mousePos` is in
+    /// viewport coordinates. Clicks on the headers are not reported.
     void clicked(long long row, long long col, int button, const QPoint &mousePos);
     void doubleClicked(long long row, long long col, int button, const QPoint &mousePos);
     void pressed(long long row, long long col, int button, const QPoint &mousePos);

@@ -64,7 +64,7 @@ void MDATableHeader::setLineNameAndBounds(int line, const QString &name, long lo
 {
     if (line < 0 || line >= m_lines.size())
         return;
-    HeaderLine &changed = m_lines[line];
+    HeaderLine &changed = m_lines[line]; // clazy:exclude=detaching-member
     changed.name = name;
     changed.min = min;
     changed.max = max;

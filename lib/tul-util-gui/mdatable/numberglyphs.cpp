@@ -215,6 +215,7 @@ void NumberPictures::growComposed(int width)
     m_composedWidth = width;
     m_composed = QImage(width + m_widestGap + blockSize, m_rows, m_format);
     m_composed.setDevicePixelRatio(m_ratio);
+    // clazy:exclude=detaching-member
     m_composedPixels = reinterpret_cast<QRgb *>(m_composed.bits());
 }
 
@@ -314,7 +315,8 @@ NumberFont::NumberFont(const QFont &font, int dpi)
     const QFontMetricsF metrics(font);
     m_height = qRound(metrics.height());
     m_ascent = qRound(metrics.ascent());
-    for (const QChar character : alphabet())
+    const QString characters = alphabet();
+    for (const QChar character : characters)
         m_advances.append(metrics.horizontalAdvance(character));
     const bool plain = !font.underline() && !font.overline() && !font.strikeOut()
         && font.capitalization() == QFont::MixedCase;
@@ -391,8 +393,9 @@ bool NumberFont::readGlyphs()
 bool NumberFont::placesPairsLikeSingles() const
 {
     QString pairs;
-    for (const QChar first : alphabet()) {
-        for (const QChar second : alphabet())
+    const QString characters = alphabet();
+    for (const QChar first : characters) {
+        for (const QChar second : characters)
             pairs.append(first).append(second);
     }
     const QList<QGlyphRun> runs = laidOut(pairs, m_font);

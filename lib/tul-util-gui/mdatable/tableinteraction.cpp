@@ -33,6 +33,11 @@ TableInteraction::TableInteraction(MDATable *table, MDATablePrivate *state)
 void TableInteraction::keyPress(QKeyEvent *event)
 {
     const bool shift = event->modifiers() & Qt::ShiftModifier;
+    const bool isTab = event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab;
+    if (isTab && event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) {
+        event->ignore(); // leads out of the table
+        return;
+    }
     event->accept();
     switch (event->key()) {
     case Qt::Key_Tab:

@@ -12,7 +12,7 @@
 /// between two calls: after items were added or changed the next call gives the new hint, but only
 /// the host's layout decides when to ask.
 ///
-/// *By design:* hidden items count like visible ones; room for the horizontal scroll bar is always
+/// *By design*: hidden items count like visible ones; room for the horizontal scroll bar is always
 /// kept, in both flows; the size hint is the minimum size hint.
 class TUL_UTIL_GUI_EXPORT FixedHeightListWidget : public QListWidget
 {
