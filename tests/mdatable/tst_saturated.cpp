@@ -51,7 +51,7 @@ void TestSaturated::pixelsStopAtTheLimit_data()
     QTest::newRow("size beyond the limit") << 1LL << 2147483647 << 2147450879;
     QTest::newRow("no size") << 5LL << 0 << 0;
     QTest::newRow("negative size") << 5LL << -3 << 0;
-    QTest::newRow("negative count") << -5LL << 20 << 0;
+    QTest::newRow("negative count") << -5LL << 20 << -100;
 }
 
 void TestSaturated::pixelsStopAtTheLimit()

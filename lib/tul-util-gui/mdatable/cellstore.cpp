@@ -38,10 +38,14 @@ MDATableItem *CellStore::find(long long row, long long col, long long rows, long
 void CellStore::put(long long row, long long col, long long columns, MDATableItem *item)
 {
     const long long index = indexOf(row, col, columns);
-    if (m_sparse)
+    if (m_sparse) {
+        // Another cell of the same index, in a table of more than 2^64 cells, gives way.
+        const MDATableItem *evicted = m_sparseItems.value(index, nullptr);
         m_sparseItems.insert(index, item);
-    else if (index >= 0 && index < m_dense.size())
+        delete evicted;
+    } else if (index >= 0 && index < m_dense.size()) {
         m_dense[static_cast<int>(index)] = item;
+    }
 }
 
 MDATableItem *CellStore::release(long long row, long long col, long long columns)
@@ -79,9 +83,14 @@ void CellStore::removeItem(const MDATableItem *item, long long columns)
 {
     if (m_sparse) {
         releaseItem(item, columns);
+        const auto key = m_sparseItems.key(const_cast<MDATableItem *>(item), -1);
+        if (key != -1)
+            m_sparseItems.remove(key);
         return;
     }
-    const int slot = slotOf(item, columns);
+    // Searched for where it is not in its place: the caller will delete it.
+    const int found = slotOf(item, columns);
+    const int slot = found != -1 ? found : m_dense.indexOf(const_cast<MDATableItem *>(item));
     if (slot == -1)
         return;
     m_dense.remove(slot);
@@ -120,7 +129,7 @@ void CellStore::restoreDense(const QVector<MDATableItem *> &saved, long long col
             continue;
         const long long index
             = tul::saturatedAdd(tul::saturatedMul(item->row(), columns), item->col());
-        const bool kept = index < m_dense.size() && index / columns == item->row()
+        const bool kept = index >= 0 && index < m_dense.size() && index / columns == item->row()
             && index % columns == item->col() && !m_dense.at(static_cast<int>(index));
         if (kept)
             m_dense[static_cast<int>(index)] = item;

@@ -48,8 +48,8 @@ const QImage *targetImage(const QPainter *painter)
     return device->devType() == QInternal::Image ? static_cast<const QImage *>(device) : nullptr;
 }
 
-bool drawPictures(QPainter *painter, const QPointF &baseline, const NumberGlyphs &glyphs,
-                  const QColor &background, NumberFont &font)
+bool drawPictures(QPainter *painter, const QRect &rect, const QPointF &baseline,
+                  const NumberGlyphs &glyphs, const QColor &background, NumberFont &font)
 {
     if (!background.isValid() || background.alpha() != 255)
         return false;
@@ -63,7 +63,7 @@ bool drawPictures(QPainter *painter, const QPointF &baseline, const NumberGlyphs
     if (ratio != 1.0 && ratio != 2.0)
         return false;
     return font.pictures(painter->pen().color().rgba(), background.rgba(), image->format(), ratio)
-        .draw(painter, baseline, glyphs);
+        .draw(painter, rect, baseline, glyphs);
 }
 
 bool drawNumber(QPainter *painter, const QRect &rect, int flags, const QString &text,
@@ -90,7 +90,7 @@ bool drawNumber(QPainter *painter, const QRect &rect, int flags, const QString &
     const QPointF onDevice = painter->deviceTransform().map(origin);
     if (onDevice.x() < 1 || onDevice.y() < 1)
         return false;
-    if (drawPictures(painter, origin, glyphs, background, font))
+    if (drawPictures(painter, rect, origin, glyphs, background, font))
         return true;
     QGlyphRun run;
     run.setRawFont(font.rawFont());

@@ -136,7 +136,8 @@ void MDATable::clearCell(long long row, long long col)
         return;
     d->sizeStore();
     const QRect area = cellGeometry(row, col);
-    delete d->store.release(row, col, numCols());
+    if (d->store.find(row, col, numRows(), numCols()))
+        delete d->store.release(row, col, numCols());
     if (area.intersects(viewport()->rect()))
         viewport()->repaint(area);
 }
@@ -327,8 +328,12 @@ long long MDATable::columnAt(int x) const
 
 QRect MDATable::cellGeometry(long long row, long long col) const
 {
-    return {columnPos(col), rowPos(row), isColumnHidden(col) ? 0 : columnWidth(),
-            isRowHidden(row) ? 0 : rowHeight()};
+    const int x = columnPos(col);
+    const int y = rowPos(row);
+    // The far edges of huge cells have to be coordinates too.
+    const int width = std::min(columnWidth(), std::numeric_limits<int>::max() - std::max(x, 0));
+    const int height = std::min(rowHeight(), std::numeric_limits<int>::max() - std::max(y, 0));
+    return {x, y, isColumnHidden(col) ? 0 : width, isRowHidden(row) ? 0 : height};
 }
 
 QRect MDATable::cellRect(long long row, long long col) const

@@ -217,8 +217,11 @@ void MDATableHeader::mouseReleaseEvent(QMouseEvent *event)
 /// it.
 QRect MDATableHeader::rectAt(long long start, long long end, int crossStart, int crossLength) const
 {
-    const int from = static_cast<int>(std::max<long long>(start, -clipMargin));
-    const int to = static_cast<int>(std::min<long long>(end, length() + clipMargin));
+    const auto clipped = [this](long long pixel) {
+        return static_cast<int>(std::clamp<long long>(pixel, -clipMargin, length() + clipMargin));
+    };
+    const int from = clipped(start);
+    const int to = clipped(end);
     return isHorizontal() ? QRect(from, crossStart, to - from, crossLength)
                           : mirrored(QRect(crossStart, from, crossLength, to - from));
 }

@@ -168,7 +168,8 @@ NumberPictures::NumberPictures(const QRawFont &font, const QVector<quint32> &gly
     }
 }
 
-bool NumberPictures::draw(QPainter *painter, const QPointF &baseline, const NumberGlyphs &glyphs)
+bool NumberPictures::draw(QPainter *painter, const QRect &rect, const QPointF &baseline,
+                          const NumberGlyphs &glyphs)
 {
     if (m_pictures.empty() || glyphs.count == 0)
         return false;
@@ -199,6 +200,9 @@ bool NumberPictures::draw(QPainter *painter, const QPointF &baseline, const Numb
 
     const int start = parts[0].start;
     const int width = parts[count - 1].end() - start;
+    if (start < transform.dx() + m_ratio * rect.left()
+        || start + width > transform.dx() + m_ratio * (rect.left() + rect.width()))
+        return false; // the ink lies partly on something else
     growComposed(width);
     // In this order: each picture is wider than its ink and ends behind the start of the next one.
     for (std::size_t i = 0; i < count; ++i)

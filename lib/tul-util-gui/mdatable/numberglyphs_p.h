@@ -38,9 +38,11 @@ public:
             && m_ratio == ratio;
     }
 
-    /// Draws the text with its origin at `baseline` (logical pixels) where there is nothing but
-    /// background. False when that cannot give the pixels that the toolkit's own drawing gives.
-    bool draw(QPainter *painter, const QPointF &baseline, const NumberGlyphs &glyphs);
+    /// Draws the text with its origin at `baseline` into a rectangle that has nothing but
+    /// background (logical pixels). False when that cannot give the pixels that the toolkit's own
+    /// drawing gives.
+    bool draw(QPainter *painter, const QRect &rect, const QPointF &baseline,
+              const NumberGlyphs &glyphs);
 
 private:
     /// Which picture of a character stands for a horizontal position between two pixels. Engines

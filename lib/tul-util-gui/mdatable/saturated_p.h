@@ -47,14 +47,17 @@ constexpr int clampToInt(long long value)
     return value < lowest ? lowest : value > highest ? highest : static_cast<int>(value);
 }
 
-/// The pixels that so many sections of that size take, at most pixelLimit; 0 when either is not
-/// positive.
+/// The pixels that so many sections of that size take, at most pixelLimit either way; 0 when the
+/// size is not positive.
 constexpr int pixelProduct(long long visible, int size)
 {
-    if (visible <= 0 || size <= 0)
+    if (size <= 0)
         return 0;
     // Compared before multiplying, because the product of a huge count overflows.
-    return visible > pixelLimit / size ? pixelLimit : static_cast<int>(visible * size);
+    const int most = pixelLimit / size;
+    if (visible > most)
+        return pixelLimit;
+    return visible < -most ? -pixelLimit : static_cast<int>(visible * size);
 }
 
 } // namespace tul
