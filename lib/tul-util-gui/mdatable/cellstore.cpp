@@ -3,6 +3,7 @@
 #include <tul-util-gui/mdatable/mdatableitem.h>
 #include <tul-util-gui/mdatable/saturated_p.h>
 
+#include <algorithm>
 #include <limits>
 
 CellStore::~CellStore()
@@ -38,6 +39,7 @@ MDATableItem *CellStore::find(long long row, long long col, long long rows, long
 void CellStore::put(long long row, long long col, long long columns, MDATableItem *item)
 {
     const long long index = indexOf(row, col, columns);
+    item->m_placed = 1;
     if (m_sparse) {
         // Another cell of the same index, in a table of more than 2^64 cells, gives way.
         const MDATableItem *evicted = m_sparseItems.value(index, nullptr);
@@ -51,50 +53,32 @@ void CellStore::put(long long row, long long col, long long columns, MDATableIte
 MDATableItem *CellStore::release(long long row, long long col, long long columns)
 {
     const long long index = indexOf(row, col, columns);
+    MDATableItem *item = nullptr;
     if (m_sparse)
-        return m_sparseItems.take(index);
-    if (index < 0 || index >= m_dense.size())
-        return nullptr;
-    MDATableItem *item = m_dense.at(static_cast<int>(index));
-    m_dense[static_cast<int>(index)] = nullptr;
+        item = m_sparseItems.take(index);
+    else if (index >= 0 && index < m_dense.size())
+        std::swap(item, m_dense[static_cast<int>(index)]);
+    if (item)
+        item->m_placed = 0;
     return item;
 }
 
-bool CellStore::isInPlace(const MDATableItem *item, long long columns) const
+void CellStore::releaseItem(MDATableItem *item, long long columns)
 {
-    if (item->row() < 0 || item->col() < 0 || item->col() >= columns)
-        return false;
-    const long long index = indexOf(item->row(), item->col(), columns);
-    if (m_sparse)
-        return m_sparseItems.value(index, nullptr) == item;
-    return index >= 0 && index < m_dense.size() && m_dense.at(static_cast<int>(index)) == item;
-}
-
-void CellStore::releaseItem(const MDATableItem *item, long long columns)
-{
-    if (removeFromMap(item, columns))
-        return;
-    const int slot = slotOf(item, columns);
+    const int slot = takeOut(item, columns);
     if (slot != -1)
         m_dense[slot] = nullptr;
 }
 
-void CellStore::removeItem(const MDATableItem *item, long long columns)
+void CellStore::removeItem(MDATableItem *item, long long columns)
 {
-    if (m_sparse) {
-        releaseItem(item, columns);
-        const auto key = m_sparseItems.key(const_cast<MDATableItem *>(item), -1);
-        if (key != -1)
-            m_sparseItems.remove(key);
-        return;
-    }
-    // Searched for where it is not in its place: the caller will delete it.
-    const int found = slotOf(item, columns);
-    const int slot = found != -1 ? found : m_dense.indexOf(const_cast<MDATableItem *>(item));
+    const int slot = takeOut(item, columns);
     if (slot == -1)
         return;
-    m_dense.remove(slot);
-    m_shifted = true;
+    if (m_sparse)
+        m_dense[slot] = nullptr;
+    else
+        m_dense.remove(slot);
 }
 
 void CellStore::resizeDense(int size)
@@ -112,12 +96,15 @@ QVector<MDATableItem *> CellStore::saveDense(long long columns)
 {
     QVector<MDATableItem *> saved;
     saved.swap(m_dense);
+    for (MDATableItem *item : qAsConst(m_sparseItems))
+        item->m_placed = 0;
     m_sparseItems.clear();
-    m_shifted = false;
     for (int slot = 0; slot < saved.size(); ++slot) {
-        const MDATableItem *item = saved.at(slot);
-        if (item && indexOf(item->row(), item->col(), columns) != slot)
-            saved[slot] = nullptr;
+        MDATableItem *item = saved.at(slot);
+        if (!item || indexOf(item->row(), item->col(), columns) == slot)
+            continue;
+        item->m_placed = 0;
+        saved[slot] = nullptr;
     }
     return saved;
 }
@@ -160,26 +147,36 @@ void CellStore::clear()
     sparseItems.swap(m_sparseItems);
     QVector<MDATableItem *> dense;
     dense.swap(m_dense);
-    m_shifted = false;
     qDeleteAll(sparseItems);
     qDeleteAll(dense);
 }
 
-bool CellStore::removeFromMap(const MDATableItem *item, long long columns)
+/// Erases the map entry of an item, or returns the dense slot that it is in, -1 for none. It is
+/// looked for where its row and column say, then everywhere: they may have been changed, slots may
+/// have moved up, and a table that has become sparse keeps its dense items. Items that are in no
+/// store, as most that come to be placed, cost nothing.
+int CellStore::takeOut(MDATableItem *item, long long columns)
 {
+    if (!item->m_placed)
+        return -1;
     const long long index = indexOf(item->row(), item->col(), columns);
-    if (m_sparseItems.value(index, nullptr) != item)
-        return false;
-    m_sparseItems.remove(index);
-    return true;
-}
-
-/// The dense slot of an item, also of one left behind in a table that has become sparse; -1 when it
-/// is in none.
-int CellStore::slotOf(const MDATableItem *item, long long columns) const
-{
-    const long long index = indexOf(item->row(), item->col(), columns);
+    if (m_sparseItems.value(index, nullptr) == item) {
+        m_sparseItems.remove(index);
+        item->m_placed = 0;
+        return -1;
+    }
+    int slot = -1;
     if (index >= 0 && index < m_dense.size() && m_dense.at(static_cast<int>(index)) == item)
-        return static_cast<int>(index);
-    return m_shifted ? m_dense.indexOf(const_cast<MDATableItem *>(item)) : -1;
+        slot = static_cast<int>(index);
+    else
+        slot = m_dense.indexOf(item);
+    if (slot == -1) {
+        const auto isItem = [item](const MDATableItem *held) { return held == item; };
+        const auto found = std::find_if(m_sparseItems.begin(), m_sparseItems.end(), isItem);
+        if (found == m_sparseItems.end())
+            return -1; // in another table
+        m_sparseItems.erase(found);
+    }
+    item->m_placed = 0;
+    return slot;
 }

@@ -35,14 +35,12 @@ public:
     /// Takes the item of a cell out of the store and leaves the cell empty; null for none.
     MDATableItem *release(long long row, long long col, long long columns);
 
-    /// Whether the item is in the cell that its row and column name.
-    bool isInPlace(const MDATableItem *item, long long columns) const;
+    /// Takes an item out, wherever it is, and leaves its cell empty. Items of other tables stay
+    /// where they are.
+    void releaseItem(MDATableItem *item, long long columns);
 
-    /// Takes an item out, wherever it is, and leaves its cell empty.
-    void releaseItem(const MDATableItem *item, long long columns);
-
-    /// Takes an item out. By design: a dense store closes the gap, later slots move up by one.
-    void removeItem(const MDATableItem *item, long long columns);
+    /// The same, but by design a dense store closes the gap: later slots move up by one.
+    void removeItem(MDATableItem *item, long long columns);
 
     /// Sizes the dense store; the items of slots that go are deleted, from the last on.
     void resizeDense(int size);
@@ -62,11 +60,9 @@ public:
     void clear();
 
 private:
-    bool removeFromMap(const MDATableItem *item, long long columns);
-    int slotOf(const MDATableItem *item, long long columns) const;
+    int takeOut(MDATableItem *item, long long columns);
 
     QVector<MDATableItem *> m_dense;
     QMap<long long, MDATableItem *> m_sparseItems;
     bool m_sparse = false;
-    bool m_shifted = false; // items may sit in other slots than their cells'
 };

@@ -44,7 +44,10 @@ MDATable::MDATable(long long numRows, long long numCols, QWidget *parent, const 
     d->construct(numRows, numCols, name);
 }
 
-MDATable::~MDATable() = default;
+MDATable::~MDATable()
+{
+    d->store.clear(); // the destructors of items may still ask the table
+}
 
 long long MDATable::numRows() const
 {
@@ -103,11 +106,10 @@ void MDATable::setItem(long long row, long long col, MDATableItem *item)
         return;
     d->sizeStore();
     const long long columns = numCols();
-    const bool isThere
-        = item->row() == row && item->col() == col && d->store.isInPlace(item, columns);
-    if (!isThere) {
+    if (d->store.find(row, col, numRows(), columns) != item) {
         if (item->table() == this)
-            d->store.releaseItem(item, columns);
+            updateCell(item->row(), item->col());
+        d->store.releaseItem(item, columns);
         clearCell(row, col);
         d->store.put(row, col, columns, item);
     }
@@ -461,16 +463,12 @@ void MDATable::updateGeometriesSlot()
 
 void MDATable::rowHeightChanged()
 {
-    updateScrollBars();
-    viewport()->update();
-    delayedUpdateGeometries();
+    d->contentSizeChanged();
 }
 
 void MDATable::columnWidthChanged()
 {
-    updateScrollBars();
-    viewport()->update();
-    delayedUpdateGeometries();
+    d->contentSizeChanged();
 }
 
 void MDATable::setLeftMargin(int margin)
@@ -669,9 +667,12 @@ void MDATable::copy()
     if (index == -1)
         return;
     const MDATableSelection block = selection(index);
-    if (!block.isActive() || block.numRows() <= 0 || block.numCols() <= 0)
+    // Not the block's own counts: one that begins before the first column has empty texts there.
+    const long long rows = tul::saturatedCount(block.topRow(), block.bottomRow());
+    const long long columns = tul::saturatedCount(block.leftCol(), block.rightCol());
+    if (!block.isActive() || rows <= 0 || columns <= 0)
         return;
-    const long long cells = tul::saturatedMul(block.numRows(), block.numCols());
+    const long long cells = tul::saturatedMul(rows, columns);
     QString copied;
     bool tooLong = cells > longestText;
     if (!tooLong)

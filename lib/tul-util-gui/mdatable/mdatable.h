@@ -33,8 +33,9 @@ class QRegion;
 ///
 /// *Errors*: indices outside the table are ignored or answered with null, an empty text, false or
 /// -1. One misuse ends the process: a dense table (see setSparse()) of more than 2147483647 cells.
-/// It is fatal when the store is sized, by the first setItem(), clearCell(), setNumRows(),
-/// setNumCols() or setSparse(false), with the message "resizeData called with len > INT_MAX: %lld".
+/// It is fatal when the store is sized, by the first setItem(), setText(), clearCell(),
+/// setNumRows(), setNumCols() or setSparse(false), with the message "resizeData called with len >
+/// INT_MAX: %lld".
 ///
 /// Signals may be answered by changing the table or its selections, and the mouse signals by
 /// deleting it.
@@ -69,7 +70,8 @@ public:
     virtual long long numRows() const;
     virtual long long numCols() const;
 
-    /// Whether the row or column is hidden; false outside the table.
+    /// Whether the row or column is hidden. Hidden sections survive a change of the count: those
+    /// beyond the last one are hidden again when the table grows.
     bool isRowHidden(long long row) const;
     bool isColumnHidden(long long col) const;
 
@@ -100,7 +102,8 @@ public:
     /// Places an item, deletes the one that was there, and takes ownership. An item that already
     /// sits elsewhere in this table moves; take it from another table with takeItem() first. Null
     /// items and cells outside the table are ignored: the item then stays with the caller. The
-    /// widest size hint since the last clear() is remembered for adjustColumnWidth().
+    /// widest size hint is remembered for adjustColumnWidth(). In a sparse table of more than 2^64
+    /// cells, cells of the same indexOf() take each other's place.
     virtual void setItem(long long row, long long col, MDATableItem *item);
 
     /// Removes an item without deleting it and hands it to the caller.
@@ -234,6 +237,7 @@ public:
 
     // Painting
 
+    /// How the current cell is marked; FollowStyle by default. A change repaints the viewport.
     FocusStyle focusStyle() const;
     void setFocusStyle(FocusStyle style);
 
@@ -250,7 +254,7 @@ public Q_SLOTS:
     /// Hides or shows sections, both ends inclusive; what lies outside the table is ignored. The
     /// cost depends on how many runs of hidden sections are touched, not on their lengths. A
     /// current cell that gets hidden moves to the next visible row or column, or to the one before
-    /// when it was the last; it stays when there is none.
+    /// when the last one got hidden too; it stays when there is none.
     virtual void hideRow(long long row);
     virtual void hideColumn(long long col);
     virtual void showRow(long long row);
@@ -270,7 +274,8 @@ public Q_SLOTS:
     void leftHeaderFixedExtentChanged(int extent);
     void topHeaderFixedExtentChanged(int extent);
 
-    /// Sets the column width to what the widest item wanted since the last clear().
+    /// Sets the column width to what the widest item wanted since the last clear() or clearData()
+    /// and the labels of the top header need, at least to 20 pixels.
     virtual void adjustColumnWidth();
 
     virtual void setShowGrid(bool show);
@@ -280,7 +285,8 @@ public Q_SLOTS:
     virtual void clearSelection(bool repaint = true);
 
 Q_SIGNALS:
-    /// Emitted when another cell became current; -1/-1 for none.
+    /// Emitted when another cell became current; -1/-1 for none. After Backtab has found no cell to
+    /// go to, the column alone is -1.
     void currentChanged(long long row, long long col);
 
     /// pressed() is emitted when a mouse button goes down on the table, with the nearest visible

@@ -9,6 +9,7 @@
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <limits>
 
 namespace
 {
@@ -19,10 +20,13 @@ const int repaintMargin = 2; // pixels around a cell that its focus frame may to
 
 QRect tul::grownForRepaint(const QRect &rect)
 {
-    const long long margin = repaintMargin;
-    return {QPoint(tul::clampToInt(rect.x() - margin), tul::clampToInt(rect.y() - margin)),
-            QSize(tul::clampToInt(rect.width() + 2 * margin),
-                  tul::clampToInt(rect.height() + 2 * margin))};
+    // Far edges may be the last coordinates that there are, and sizes have to be numbers too.
+    const auto moved = [](int edge, int by) {
+        const long long limit = std::numeric_limits<int>::max() - 1;
+        return static_cast<int>(std::clamp(edge + static_cast<long long>(by), -limit / 2, limit));
+    };
+    return {QPoint(moved(rect.left(), -repaintMargin), moved(rect.top(), -repaintMargin)),
+            QPoint(moved(rect.right(), repaintMargin), moved(rect.bottom(), repaintMargin))};
 }
 
 MDATablePrivate::MDATablePrivate(MDATable *table)
@@ -127,7 +131,7 @@ void MDATablePrivate::setHidden(TableAxis &axis, long long from, long long to, b
     }
     axis.header->hideSections(from, to);
     if (from <= axis.current && axis.current <= to) {
-        const int key = axis.current < axis.count() - 1 ? axis.forwardKey : axis.backwardKey;
+        const int key = to < axis.count() - 1 ? axis.forwardKey : axis.backwardKey;
         long long row = rows.current;
         long long col = columns.current;
         interaction.fixCell(row, col, key);
@@ -141,6 +145,13 @@ void MDATablePrivate::finishDimensionChange() const
     q->updateScrollBars();
     q->updateGeometries();
     q->viewport()->update();
+}
+
+void MDATablePrivate::contentSizeChanged() const
+{
+    q->updateScrollBars();
+    q->viewport()->update();
+    q->delayedUpdateGeometries();
 }
 
 /// Brings a current cell that the table has lost back to its last row or column, to none when

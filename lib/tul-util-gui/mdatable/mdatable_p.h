@@ -35,6 +35,7 @@ public:
     void setCount(TableAxis &axis, long long count);
     void setHidden(TableAxis &axis, long long from, long long to, bool hidden) const;
     void finishDimensionChange() const;
+    void contentSizeChanged() const;
     void keepCurrentInside(const TableAxis &axis) const;
 
     void raiseItemWidth(int width);

@@ -158,7 +158,7 @@ void MDATableHeader::paintEvent(QPaintEvent *event)
     if (first == -1) {
         if (edge > 0)
             return;
-        first = 0;
+        first = m_offset > 0 ? m_count : 0; // behind all blocks: only the names show
     }
 
     QPainter painter(this);
@@ -345,10 +345,11 @@ void MDATableHeader::paintLine(QPainter *painter, int line, long long firstSecti
     const int crossLength = m_bands.length() - nameExtent;
     const long long blocks = painted.blockCount(m_count);
     for (long long block = painted.blockOf(firstSection); block < blocks; ++block) {
-        const long long visible = visibleFrom(painted.firstSection(block));
-        if (visible == -1)
+        // Skips the blocks that are hidden whole; an incomplete one reaches beyond the last
+        // section.
+        block = painted.blockOf(m_hidden.nextVisible(painted.firstSection(block)));
+        if (block >= blocks)
             return;
-        block = painted.blockOf(visible); // skips the blocks that are hidden whole
         const Label label = blockLabel(painted, block);
         paintLabel(painter, label, crossStart, crossLength, option);
         // Sections beyond the pixel limit share one position: nothing new would show.

@@ -30,11 +30,26 @@ MDATableItem::MDATableItem(MDATable *table, const QString &text)
     : m_text(text)
     , m_table(table)
     , m_enabled(1)
+    , m_placed(0)
 {
 }
 
-MDATableItem::MDATableItem(const MDATableItem &other) = default;
-MDATableItem &MDATableItem::operator=(const MDATableItem &other) = default;
+MDATableItem::MDATableItem(const MDATableItem &other)
+    : MDATableItem(other.m_table, other.m_text)
+{
+    *this = other;
+}
+
+MDATableItem &MDATableItem::operator=(const MDATableItem &other)
+{
+    m_text = other.m_text;
+    m_table = other.m_table;
+    m_enabled = other.m_enabled;
+    m_row = other.m_row;
+    m_col = other.m_col;
+    return *this;
+}
+
 MDATableItem::~MDATableItem() = default;
 
 QString MDATableItem::text() const

@@ -79,11 +79,13 @@ public:
     static const int RTTI;
 
 private:
+    friend class CellStore; // marks the items that it holds
     friend class MDATable; // sets the table of an item that it places or releases
 
     QString m_text;
     MDATable *m_table;
     unsigned m_enabled : 1;
+    unsigned m_placed : 1; // in a table's store; belongs to the object and is not copied
     long long m_row = -1;
     long long m_col = -1;
 };

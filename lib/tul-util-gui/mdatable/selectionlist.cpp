@@ -77,16 +77,17 @@ bool SelectionList::holds(long long row, long long col) const
 bool SelectionList::holdsRow(long long row, bool full, long long lastCol) const
 {
     return std::any_of(m_blocks.begin(), m_blocks.end(), [&](const auto &block) {
-        return block->isActive() && spansRow(*block, row) && block->numCols() > 0
-            && (!full || (block->leftCol() == 0 && block->rightCol() >= lastCol));
+        return block->isActive() && spansRow(*block, row) && block->leftCol() <= block->rightCol()
+            && (!full || (block->leftCol() <= 0 && block->rightCol() >= lastCol));
     });
 }
 
 bool SelectionList::holdsColumn(long long col, bool full, long long lastRow) const
 {
     return std::any_of(m_blocks.begin(), m_blocks.end(), [&](const auto &block) {
-        return block->isActive() && spansColumn(*block, col) && block->numRows() > 0
-            && (!full || (block->topRow() == 0 && block->bottomRow() >= lastRow));
+        return block->isActive() && spansColumn(*block, col)
+            && block->topRow() <= block->bottomRow()
+            && (!full || (block->topRow() <= 0 && block->bottomRow() >= lastRow));
     });
 }
 
