@@ -77,7 +77,8 @@ bool SelectionList::holds(long long row, long long col) const
 bool SelectionList::holdsRow(long long row, bool full, long long lastCol) const
 {
     return std::any_of(m_blocks.begin(), m_blocks.end(), [&](const auto &block) {
-        return block->isActive() && spansRow(*block, row) && block->leftCol() <= block->rightCol()
+        return block->isActive() && spansRow(*block, row)
+            && block->rightCol() >= std::max(block->leftCol(), 0LL)
             && (!full || (block->leftCol() <= 0 && block->rightCol() >= lastCol));
     });
 }
@@ -86,7 +87,7 @@ bool SelectionList::holdsColumn(long long col, bool full, long long lastRow) con
 {
     return std::any_of(m_blocks.begin(), m_blocks.end(), [&](const auto &block) {
         return block->isActive() && spansColumn(*block, col)
-            && block->topRow() <= block->bottomRow()
+            && block->bottomRow() >= std::max(block->topRow(), 0LL)
             && (!full || (block->topRow() <= 0 && block->bottomRow() >= lastRow));
     });
 }
