@@ -366,7 +366,7 @@ void drag(benchmark::State &state, QAbstractScrollArea &area)
     int step = 0;
     for (auto _ : state) {
         ++step;
-        // To and fro: a person drags from cell to cell.
+        // Back and forth: a person drags from cell to cell.
         const int row = step % 76 < 38 ? step % 76 : 76 - step % 76;
         const QPoint pos(40 + 5 * cellWidth, 10 + cellHeight * row);
         QCursor::setPos(viewport->mapToGlobal(pos));

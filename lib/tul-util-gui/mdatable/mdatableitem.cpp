@@ -42,6 +42,8 @@ MDATableItem::MDATableItem(const MDATableItem &other)
 
 MDATableItem &MDATableItem::operator=(const MDATableItem &other)
 {
+    if (this == &other)
+        return *this;
     m_text = other.m_text;
     m_table = other.m_table;
     m_enabled = other.m_enabled;

@@ -267,7 +267,7 @@ QImage NumberPictures::drawn(quint32 glyph, const QPointF &shift) const
 bool NumberPictures::roundsRows(quint32 glyph) const
 {
     const QImage image = drawn(glyph, QPointF());
-    return drawn(glyph, QPointF(0, qreal(fractions / 2 - 1) / fractions)) == image
+    return drawn(glyph, QPointF(0, 0.5 - 1.0 / fractions)) == image
         && isShifted(drawn(glyph, QPointF(0, 0.5)), image, 0, 1);
 }
 

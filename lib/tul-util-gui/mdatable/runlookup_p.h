@@ -34,7 +34,8 @@ private:
         std::uint16_t hidden[groupSize]; // in the group up to the end of each run; 0: too wide
     };
 
-    template<typename Condition> static std::size_t leadingCount(std::size_t, Condition);
+    template<typename Condition>
+    static std::size_t leadingCount(std::size_t places, Condition holds);
     const Group *groupOf(const std::vector<long long> &groupKeys, long long key) const;
     std::size_t indexOf(const Group *group) const { return group - m_groups.data(); }
 
