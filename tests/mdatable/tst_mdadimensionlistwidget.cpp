@@ -5,7 +5,6 @@
 #include <QDrag>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QPointer>
 #include <QProxyStyle>
 #include <QTest>
 #include <QTimer>
@@ -38,9 +37,8 @@ public:
     using MdaDimensionListWidget::startDrag;
 
     bool hasMimeData = true;
-    bool movesOnly = false;
 
-    explicit DimensionList(const QString &names)
+    explicit DimensionList(const QString &names, int x = 20)
     {
         for (const QChar name : names) {
             auto *const entry = new QListWidgetItem(name, this);
@@ -48,18 +46,11 @@ public:
         }
         setDragDropMode(QAbstractItemView::DragDrop);
         setSelectionMode(QAbstractItemView::ExtendedSelection);
-        resize(200, 200);
+        setGeometry(x, 20, 200, 200);
     }
 
     void handle(QDragMoveEvent *event) { dragMoveEvent(event); }
     void handle(QDropEvent *event) { dropEvent(event); }
-
-    bool showAt(int x)
-    {
-        move(x, 20);
-        show();
-        return QTest::qWaitForWindowExposed(this);
-    }
 
     QString names() const
     {
@@ -69,10 +60,12 @@ public:
         return result;
     }
 
-    void select(const QString &selected)
+    void showWith(const QString &selected)
     {
-        for (int row = 0; row < count(); ++row)
-            item(row)->setSelected(selected.contains(item(row)->text()));
+        for (const QChar name : selected)
+            item(names().indexOf(name))->setSelected(true);
+        show();
+        QVERIFY(QTest::qWaitForWindowExposed(this));
     }
 
     /// A point in the upper part of an entry, or in the empty area for any other name.
@@ -86,11 +79,6 @@ protected:
     QMimeData *mimeData(const QList<QListWidgetItem *> items) const override
     {
         return hasMimeData ? MdaDimensionListWidget::mimeData(items) : nullptr;
-    }
-
-    Qt::DropActions supportedDropActions() const override
-    {
-        return movesOnly ? Qt::MoveAction : MdaDimensionListWidget::supportedDropActions();
     }
 };
 
@@ -110,34 +98,31 @@ void drag(DimensionList &from, QChar name, DimensionList &to, QChar target,
           Qt::KeyboardModifiers dropModifiers = {}, const std::function<void()> &meanwhile = {})
 {
     QVector<std::function<void()>> steps;
-    const auto add = [&](QTest::MouseAction action, DimensionList &list, const QPoint &point,
-                         Qt::KeyboardModifiers modifiers = {}) {
+    const auto add = [&](QTest::MouseAction action, DimensionList &list, QPoint point) {
         const QPoint global = list.viewport()->mapToGlobal(point);
-        QWindow *const window = list.windowHandle();
-        steps.append([=] {
+        const auto modifiers
+            = &list == &to && point == to.at(target) ? dropModifiers : Qt::NoModifier;
+        steps.append([=, window = list.windowHandle()] {
             QCursor::setPos(global);
             QTest::mouseEvent(action, window, Qt::LeftButton, modifiers,
                               window->mapFromGlobal(global));
         });
     };
     add(QTest::MousePress, from, from.at(name));
-    for (const int distance :
-         {QApplication::startDragDistance() / 2, QApplication::startDragDistance() + 1, 30})
+    for (const int distance : {QApplication::startDragDistance() + 1, 30})
         add(QTest::MouseMove, from, from.at(name) + QPoint(distance, 0));
-    add(QTest::MouseMove, to, to.at(target), dropModifiers);
+    add(QTest::MouseMove, to, to.at(target));
     if (meanwhile)
         steps.append(meanwhile);
-    add(QTest::MouseRelease, to, to.at(target), dropModifiers);
+    add(QTest::MouseRelease, to, to.at(target));
 
-    // Each step takes a turn of whatever event loop runs, the toolkit's own one during the drag. An
-    // X server answers in a time of its own.
-    const int pace = QGuiApplication::platformName() == QLatin1String("xcb") ? 20 : 0;
+    // Each step takes a turn of whatever event loop runs, the toolkit's own one during the drag.
     int done = 0;
     QObject context;
     const std::function<void(int)> play = [&](int step) {
         if (step == steps.size())
             return;
-        QTimer::singleShot(pace, &context, [&, step] {
+        QTimer::singleShot(0, &context, [&, step] {
             play(step + 1);
             steps.at(step)();
             ++done;
@@ -147,16 +132,6 @@ void drag(DimensionList &from, QChar name, DimensionList &to, QChar target,
     QTRY_COMPARE(done, steps.size());
 }
 
-// Reaches a private member function: access is not checked in an explicit instantiation.
-QModelIndexList selectedDraggableIndexes(const MdaDimensionListWidget &list);
-template<auto function> struct Reach {
-    friend QModelIndexList selectedDraggableIndexes(const MdaDimensionListWidget &list)
-    {
-        return (list.*function)();
-    }
-};
-template struct Reach<&MdaDimensionListWidget::selectedDraggableIndexes>;
-
 } // namespace
 
 class TestMdaDimensionListWidget : public TestCase
@@ -164,57 +139,28 @@ class TestMdaDimensionListWidget : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void selectedEntriesHaveNoHighlightWhileEnabled();
-    void dropsAreRefusedOverFixedEntries_data();
     void dropsAreRefusedOverFixedEntries();
     void indicatorIsPaintedOnlyWhereADropIsAllowed();
-    void dragLosesNoEntry_data();
     void dragLosesNoEntry();
-    void cancelledDragRemovesNothing();
-    void dragWithNothingToDragDoesNotStart();
     void entriesThatWentDuringTheDragAreNotRemovedAgain();
+    void dragThatIsCancelledOrCannotStartRemovesNothing();
     void listThatGoesEndsItsDrag();
-    void selectedDraggableIndexesAreTheFixedOnes();
 };
-
-void TestMdaDimensionListWidget::selectedEntriesHaveNoHighlightWhileEnabled()
-{
-    const MdaDimensionListWidget list(nullptr);
-    const QPalette &palette = list.palette();
-    QCOMPARE(palette.brush(QPalette::Active, QPalette::Highlight).style(), Qt::NoBrush);
-    QCOMPARE(palette.brush(QPalette::Inactive, QPalette::Highlight).style(), Qt::NoBrush);
-    QCOMPARE(palette.brush(QPalette::Disabled, QPalette::Highlight).style(), Qt::SolidPattern);
-    QVERIFY(!list.viewport()->autoFillBackground());
-}
-
-void TestMdaDimensionListWidget::dropsAreRefusedOverFixedEntries_data()
-{
-    QTest::addColumn<QString>("names");
-    QTest::addColumn<QChar>("target");
-    QTest::addColumn<QString>("result");
-
-    const auto row = [](const char *title, const char *names, char target, const char *result) {
-        QTest::newRow(title) << QString::fromLatin1(names) << QChar::fromLatin1(target)
-                             << QString::fromLatin1(result);
-    };
-    row("movable", "aBc", 'B', "aXBc");
-    row("fixed", "AbC", 'b', "AbC");
-    row("below a movable one", "abC", '-', "abCX");
-    row("below a fixed one", "ABc", '-', "ABc");
-    row("empty list", "", '-', "X");
-}
 
 void TestMdaDimensionListWidget::dropsAreRefusedOverFixedEntries()
 {
-    QFETCH(const QString, names);
-    QFETCH(const QChar, target);
-    QFETCH(const QString, result);
-
-    DimensionList list(names);
-    const bool allowed = result != names;
-    QCOMPARE(takes<QDragMoveEvent>(list, target), allowed);
-    QCOMPARE(takes<QDropEvent>(list, target), allowed);
-    QCOMPARE(list.names(), result);
+    const QStringList rows{QStringLiteral("aBc B aXBc"), QStringLiteral("AbC b AbC"),
+                           QStringLiteral("abC - abCX"), QStringLiteral("ABc - ABc"),
+                           QStringLiteral(" - X")};
+    for (const QString &row : rows) {
+        DimensionList list(row.section(QLatin1Char(' '), 0, 0));
+        const QChar target = row.section(QLatin1Char(' '), 1, 1).at(0);
+        const QString result = row.section(QLatin1Char(' '), 2);
+        const bool allowed = result != list.names();
+        QCOMPARE(takes<QDragMoveEvent>(list, target), allowed);
+        QCOMPARE(takes<QDropEvent>(list, target), allowed);
+        QCOMPARE(list.names(), result);
+    }
 }
 
 void TestMdaDimensionListWidget::indicatorIsPaintedOnlyWhereADropIsAllowed()
@@ -222,129 +168,82 @@ void TestMdaDimensionListWidget::indicatorIsPaintedOnlyWhereADropIsAllowed()
     IndicatorStyle style;
     DimensionList list(QStringLiteral("AbC"));
     list.setStyle(&style);
-    const auto isPainted = [&] {
+    for (const QChar target : QStringLiteral("AbC")) {
+        QCOMPARE(takes<QDragMoveEvent>(list, target), target.isUpper());
         style.painted = 0;
         list.grab();
-        return style.painted > 0;
-    };
-    QVERIFY(takes<QDragMoveEvent>(list, QLatin1Char('A')));
-    QVERIFY(isPainted());
-    QVERIFY(!takes<QDragMoveEvent>(list, QLatin1Char('b')));
-    QVERIFY(!isPainted());
-    QVERIFY(takes<QDragMoveEvent>(list, QLatin1Char('C')));
-    QVERIFY(isPainted());
-    QVERIFY(!takes<QDropEvent>(list, QLatin1Char('b')));
-    QVERIFY(!isPainted());
-}
-
-void TestMdaDimensionListWidget::dragLosesNoEntry_data()
-{
-    QTest::addColumn<QAbstractItemView::DragDropMode>("mode");
-    QTest::addColumn<QString>("selected");
-    QTest::addColumn<QChar>("target");
-    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
-    QTest::addColumn<QString>("result");
-    QTest::addColumn<QString>("otherResult");
-
-    const auto inside = QAbstractItemView::InternalMove;
-    const auto anywhere = QAbstractItemView::DragDrop;
-    const auto row = [](const char *title, QAbstractItemView::DragDropMode mode,
-                        const char *selected, char target, Qt::KeyboardModifiers modifiers,
-                        const char *result, const char *otherResult) {
-        QTest::newRow(title) << mode << QString::fromLatin1(selected) << QChar::fromLatin1(target)
-                             << modifiers << QString::fromLatin1(result)
-                             << QString::fromLatin1(otherResult);
-    };
-    row("up, internal move", inside, "C", 'A', {}, "CABDf", "XYZ");
-    row("down, drag and drop", anywhere, "A", 'D', {}, "BCADf", "XYZ");
-    row("several", inside, "CD", 'A', {}, "CDABf", "XYZ");
-    row("a fixed one in tow", anywhere, "Cf", 'A', {}, "CfABD", "XYZ");
-    row("onto itself", anywhere, "C", 'C', {}, "ABCDf", "XYZ");
-    row("onto a fixed one", anywhere, "A", 'f', {}, "ABCDf", "XYZ");
-    row("copied", anywhere, "C", 'A', Qt::ControlModifier, "CABCDf", "XYZ");
-    row("to another list", anywhere, "Bf", 'Y', {}, "ACD", "XBfYZ");
-    row("copied to another list", anywhere, "C", 'Y', Qt::ControlModifier, "ABCDf", "XCYZ");
-    row("to another list that is closed", inside, "C", 'Y', {}, "ABCDf", "XYZ");
+        QCOMPARE(style.painted > 0, target.isUpper());
+    }
 }
 
 // The list widget moves the rows of a drag of its own by itself; the end of the drag must not
 // remove them once more.
 void TestMdaDimensionListWidget::dragLosesNoEntry()
 {
-    QFETCH(const QAbstractItemView::DragDropMode, mode);
-    QFETCH(const QString, selected);
-    QFETCH(const QChar, target);
-    QFETCH(const Qt::KeyboardModifiers, modifiers);
-    QFETCH(const QString, result);
-    QFETCH(const QString, otherResult);
-
-    for (const bool movesOnly : {false, true}) {
-        if (movesOnly && modifiers)
-            continue;
+    const auto inside = QAbstractItemView::InternalMove;
+    const auto anywhere = QAbstractItemView::DragDrop;
+    struct Case {
+        QAbstractItemView::DragDropMode mode;
+        bool copies;
+        const char *selected;
+        char target;
+        const char *result, *otherResult;
+    };
+    for (const Case &row : {Case{inside, false, "CD", 'A', "CDABf", "XYZ"},
+                            Case{anywhere, false, "A", 'D', "BCADf", "XYZ"},
+                            Case{anywhere, false, "Cf", 'A', "CfABD", "XYZ"},
+                            Case{anywhere, false, "A", 'f', "ABCDf", "XYZ"},
+                            Case{anywhere, true, "C", 'A', "CABCDf", "XYZ"},
+                            Case{anywhere, false, "Bf", 'Y', "ACD", "XBfYZ"},
+                            Case{anywhere, true, "C", 'Y', "ABCDf", "XCYZ"}}) {
         DimensionList list(QStringLiteral("ABCDf"));
-        DimensionList other(QStringLiteral("XYZ"));
-        list.movesOnly = movesOnly;
-        list.setDragDropMode(mode);
-        other.setDragDropMode(mode);
-        QVERIFY(list.showAt(20) && other.showAt(320));
-        list.select(selected);
-        drag(list, selected.at(0), other.names().contains(target) ? other : list, target,
-             modifiers);
-        QCOMPARE(list.names(), result);
-        QCOMPARE(other.names(), otherResult);
+        DimensionList other(QStringLiteral("XYZ"), 320);
+        list.setDragDropMode(row.mode);
+        list.showWith(QString::fromLatin1(row.selected));
+        other.showWith({});
+        drag(list, QLatin1Char(row.selected[0]), row.target == 'Y' ? other : list,
+             QLatin1Char(row.target), row.copies ? Qt::ControlModifier : Qt::NoModifier);
+        QCOMPARE(list.names(), QString::fromLatin1(row.result));
+        QCOMPARE(other.names(), QString::fromLatin1(row.otherResult));
     }
-}
-
-void TestMdaDimensionListWidget::cancelledDragRemovesNothing()
-{
-    DimensionList list(QStringLiteral("ABC"));
-    QVERIFY(list.showAt(20));
-    list.select(QStringLiteral("C"));
-    drag(list, QLatin1Char('C'), list, QLatin1Char('A'), {},
-         [&] { QTest::keyClick(list.windowHandle(), Qt::Key_Escape); });
-    QCOMPARE(list.names(), QStringLiteral("ABC"));
-}
-
-void TestMdaDimensionListWidget::dragWithNothingToDragDoesNotStart()
-{
-    DimensionList list(QStringLiteral("ABC"));
-    QVERIFY(list.showAt(20));
-    list.startDrag(Qt::MoveAction);
-    QTimer cancel; // in case that it does start
-    connect(&cancel, &QTimer::timeout, &QDrag::cancel);
-    cancel.start(0);
-    list.select(QStringLiteral("B"));
-    list.hasMimeData = false;
-    list.startDrag(Qt::MoveAction);
-    QVERIFY(!list.findChild<QDrag *>());
 }
 
 void TestMdaDimensionListWidget::entriesThatWentDuringTheDragAreNotRemovedAgain()
 {
     DimensionList list(QStringLiteral("ABC"));
-    DimensionList other(QStringLiteral("XY"));
-    QVERIFY(list.showAt(20) && other.showAt(320));
-    list.select(QStringLiteral("AB"));
+    DimensionList other(QStringLiteral("XY"), 320);
+    list.showWith(QStringLiteral("AB"));
+    other.showWith({});
     drag(list, QLatin1Char('A'), other, QLatin1Char('Y'), {}, [&] { delete list.takeItem(0); });
     QCOMPARE(list.names(), QStringLiteral("C"));
     QCOMPARE(other.names(), QStringLiteral("XABY"));
 }
 
+void TestMdaDimensionListWidget::dragThatIsCancelledOrCannotStartRemovesNothing()
+{
+    DimensionList list(QStringLiteral("ABC"));
+    list.startDrag(Qt::MoveAction); // of nothing
+    list.showWith(QStringLiteral("C"));
+    drag(list, QLatin1Char('C'), list, QLatin1Char('A'), {},
+         [&] { QTest::keyClick(list.windowHandle(), Qt::Key_Escape); });
+    QCOMPARE(list.names(), QStringLiteral("ABC"));
+
+    QTimer cancel; // in case that it does start
+    connect(&cancel, &QTimer::timeout, &QDrag::cancel);
+    cancel.start(0);
+    list.hasMimeData = false;
+    const int drags = list.findChildren<QDrag *>().size();
+    list.startDrag(Qt::MoveAction);
+    QCOMPARE(list.findChildren<QDrag *>().size(), drags);
+}
+
 void TestMdaDimensionListWidget::listThatGoesEndsItsDrag()
 {
     auto list = std::make_unique<DimensionList>(QStringLiteral("ABC"));
-    QVERIFY(list->showAt(20));
-    list->select(QStringLiteral("B"));
+    list->showWith(QStringLiteral("B"));
     QTimer::singleShot(0, this, [&] { list.reset(); });
     list->startDrag(Qt::MoveAction); // returns at all
     QVERIFY(!list);
-}
-
-void TestMdaDimensionListWidget::selectedDraggableIndexesAreTheFixedOnes()
-{
-    DimensionList list(QStringLiteral("AbC"));
-    list.selectAll();
-    QCOMPARE(selectedDraggableIndexes(list), QModelIndexList{list.model()->index(1, 0)});
 }
 
 int main(int argc, char *argv[])

@@ -205,55 +205,33 @@ private Q_SLOTS:
         QTest::addColumn<int>("key");
         QTest::addColumn<bool>("endsHidden");
         QTest::addColumn<QString>("expected");
-        // Eight or six visible rows, five of which the viewport shows. A disabled last cell in
-        // row 2, three in row 1.
-        struct Row {
-            QPoint from;
-            Qt::Key key;
-            bool endsHidden;
-            const char *expected;
+        // Key, from, to. Rows 4, 5 and column 2 are hidden, five rows fit into the viewport. By
+        // design Tab ends at the last column, hidden or disabled as it may be, and Backtab loses
+        // the column. "only": no block comes into being.
+        const QString moves[] = {
+            QStringLiteral(
+                "Home 7,3 0,3|End 1,3 9,3|Left 6,3 6,1|Left 6,0 6,0|Right 6,1 6,3"
+                "|Right 6,5 6,5|Up 6,1 3,1|Up 0,1 0,1|Down 3,1 6,1|Down 9,1 9,1|Down 1,2 2,2"
+                "|Down 4,2 6,2|Left 4,2 4,1|PageDown 0,1 7,1|PageDown 6,1 9,1|PageDown 9,1 9,1"
+                "|PageUp 9,1 2,1|PageUp 2,1 0,1|PageUp 0,1 0,1|Tab 6,1 6,3|Tab 1,1 1,5"
+                "|Tab 2,4 2,5|Tab 6,5 6,5 only|Backtab 6,3 6,1|Backtab 1,5 1,0"
+                "|Backtab 6,0 6,0 only"),
+            // The first and the last row and column are hidden, too.
+            QStringLiteral(
+                "Home 7,3 7,3|End 7,3 7,3|Up 1,3 1,3|Down 8,3 8,3|Left 6,1 6,1|Right 6,4 6,4"
+                "|PageUp 2,1 2,1|PageDown 6,1 6,1|Tab 6,4 6,5|Backtab 6,1 6,-1 only"),
         };
-        for (const Row &row : std::initializer_list<Row>{
-                 {{7, 3}, Qt::Key_Home, false, "0,3 (0,3)*"},
-                 {{1, 3}, Qt::Key_End, false, "9,3 (9,3)*"},
-                 {{6, 3}, Qt::Key_Left, false, "6,1 (6,1)*"},
-                 {{6, 0}, Qt::Key_Left, false, "6,0 (6,0)*"},
-                 {{6, 1}, Qt::Key_Right, false, "6,3 (6,3)*"},
-                 {{6, 5}, Qt::Key_Right, false, "6,5 (6,5)*"},
-                 {{6, 1}, Qt::Key_Up, false, "3,1 (3,1)*"},
-                 {{0, 1}, Qt::Key_Up, false, "0,1 (0,1)*"},
-                 {{3, 1}, Qt::Key_Down, false, "6,1 (6,1)*"},
-                 {{9, 1}, Qt::Key_Down, false, "9,1 (9,1)*"},
-                 {{1, 2}, Qt::Key_Down, false, "2,2 (2,2)*"}, // the hidden column stays
-                 {{4, 2}, Qt::Key_Down, false, "6,2 (6,2)*"},
-                 {{4, 2}, Qt::Key_Left, false, "4,1 (4,1)*"}, // and so does the hidden row
-                 {{0, 1}, Qt::Key_PageDown, false, "7,1 (7,1)*"},
-                 {{6, 1}, Qt::Key_PageDown, false, "9,1 (9,1)*"},
-                 {{9, 1}, Qt::Key_PageDown, false, "9,1 (9,1)*"},
-                 {{9, 1}, Qt::Key_PageUp, false, "2,1 (2,1)*"},
-                 {{2, 1}, Qt::Key_PageUp, false, "0,1 (0,1)*"},
-                 {{0, 1}, Qt::Key_PageUp, false, "0,1 (0,1)*"},
-                 {{6, 1}, Qt::Key_Tab, false, "6,3 (6,3)*"},
-                 {{1, 1}, Qt::Key_Tab, false, "1,5 (1,5)*"},
-                 {{2, 4}, Qt::Key_Tab, false, "2,5 (2,5)*"}, // by design, though disabled
-                 {{6, 5}, Qt::Key_Tab, false, "6,5"},
-                 {{6, 3}, Qt::Key_Backtab, false, "6,1 (6,1)*"},
-                 {{1, 5}, Qt::Key_Backtab, false, "1,0 (1,0)*"},
-                 {{6, 0}, Qt::Key_Backtab, false, "6,0"},
-                 {{7, 3}, Qt::Key_Home, true, "7,3 (7,3)*"},
-                 {{7, 3}, Qt::Key_End, true, "7,3 (7,3)*"},
-                 {{1, 3}, Qt::Key_Up, true, "1,3 (1,3)*"},
-                 {{8, 3}, Qt::Key_Down, true, "8,3 (8,3)*"},
-                 {{6, 1}, Qt::Key_Left, true, "6,1 (6,1)*"},
-                 {{6, 4}, Qt::Key_Right, true, "6,4 (6,4)*"},
-                 {{2, 1}, Qt::Key_PageUp, true, "2,1 (2,1)*"},
-                 {{6, 1}, Qt::Key_PageDown, true, "6,1 (6,1)*"},
-                 {{6, 4}, Qt::Key_Tab, true, "6,5 (6,5)*"}, // by design, though hidden
-                 {{6, 1}, Qt::Key_Backtab, true, "6,-1"}, // by design: the column is lost
-             }) {
-            QTest::addRow("%s from %d,%d%s", QMetaEnum::fromType<Qt::Key>().valueToKey(row.key),
-                          row.from.x(), row.from.y(), row.endsHidden ? ", ends hidden" : "")
-                << row.from << int(row.key) << row.endsHidden << QString::fromLatin1(row.expected);
+        for (const bool endsHidden : {false, true}) {
+            for (const QString &move : moves[endsHidden].split(QLatin1Char('|'))) {
+                const QStringList parts = move.split(QLatin1Char(' '));
+                const QStringList from = parts.at(1).split(QLatin1Char(','));
+                const QString to = parts.at(2);
+                const QByteArray key = "Key_" + parts.at(0).toLatin1();
+                QTest::addRow("%s%s", qPrintable(move), endsHidden ? ", ends hidden" : "")
+                    << QPoint(from.at(0).toInt(), from.at(1).toInt())
+                    << QMetaEnum::fromType<Qt::Key>().keyToValue(key.constData()) << endsHidden
+                    << (parts.size() > 3 ? to : QStringLiteral("%1 (%1)*").arg(to));
+            }
         }
     }
 

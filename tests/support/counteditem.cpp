@@ -1,15 +1,7 @@
 #include <support/counteditem.h>
 
-#include <utility>
-
 CountedItem::CountedItem(const QString &text, MDATable *table)
     : MDATableItem(table, text)
-{
-    ++s_live;
-}
-
-CountedItem::CountedItem(const CountedItem &other)
-    : MDATableItem(other)
 {
     ++s_live;
 }
@@ -25,16 +17,6 @@ CountedItem::~CountedItem()
 void CountedItem::paint(QPainter *painter, const QPalette &palette, const QRect &rect,
                         bool selected)
 {
-    s_paintings.append({text(), rect, palette.currentColorGroup(), selected});
+    s_paintings.append(rect);
     MDATableItem::paint(painter, palette, rect, selected);
-}
-
-QStringList CountedItem::takeDeleted()
-{
-    return std::exchange(s_deleted, {});
-}
-
-QVector<CountedItem::Painting> CountedItem::takePaintings()
-{
-    return std::exchange(s_paintings, {});
 }

@@ -2,27 +2,19 @@
 
 #include <tul-util-gui/mdatable/mdatableitem.h>
 
-#include <QPalette>
 #include <QRect>
 #include <QStringList>
 #include <QVector>
 
 #include <functional>
+#include <utility>
 
-/// A table item that leaves traces: how many live, in which order they were deleted and how they
+/// A table item that leaves traces: how many live, in which order they were deleted and where they
 /// were asked to paint. The records belong to the class and last until they are taken.
 class CountedItem : public MDATableItem
 {
 public:
-    struct Painting {
-        QString text;
-        QRect rect;
-        QPalette::ColorGroup group;
-        bool selected;
-    };
-
     explicit CountedItem(const QString &text = QString(), MDATable *table = nullptr);
-    CountedItem(const CountedItem &other);
     ~CountedItem() override;
 
     /// Records the call and paints as the base class does.
@@ -33,14 +25,16 @@ public:
 
     static int live() { return s_live; }
 
-    /// The texts of the items deleted and the paintings done since the last call.
-    static QStringList takeDeleted();
-    static QVector<Painting> takePaintings();
+    /// The texts of the items deleted and the cells painted since the last call.
+    static QStringList takeDeleted() { return std::exchange(s_deleted, {}); }
+    static QVector<QRect> takePaintings() { return std::exchange(s_paintings, {}); }
 
     std::function<void()> whenDeleted; ///< called by the destructor; empty by default
 
 private:
+    Q_DISABLE_COPY(CountedItem)
+
     inline static int s_live = 0;
     inline static QStringList s_deleted;
-    inline static QVector<Painting> s_paintings;
+    inline static QVector<QRect> s_paintings;
 };

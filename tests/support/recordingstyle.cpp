@@ -15,36 +15,20 @@ RecordingStyle::Drawn record(int element, const QStyleOption *option, const QWid
     if (const auto *header = qstyleoption_cast<const QStyleOptionHeader *>(option)) {
         drawn.section = header->section;
         drawn.position = header->position;
-        drawn.selectedPosition = header->selectedPosition;
     }
     return drawn;
 }
 
-QVector<RecordingStyle::Drawn> take(QVector<RecordingStyle::Drawn> &all, int element)
+} // namespace
+
+QVector<RecordingStyle::Drawn> RecordingStyle::take(QVector<Drawn> &all, int element)
 {
-    QVector<RecordingStyle::Drawn> taken;
-    for (const RecordingStyle::Drawn &drawn : std::exchange(all, {})) {
+    QVector<Drawn> taken;
+    for (const Drawn &drawn : std::exchange(all, {})) {
         if (drawn.element == element)
             taken.append(drawn);
     }
     return taken;
-}
-
-} // namespace
-
-RecordingStyle::RecordingStyle()
-    : QProxyStyle(QStringLiteral("fusion"))
-{
-}
-
-QVector<RecordingStyle::Drawn> RecordingStyle::takePrimitives(PrimitiveElement element)
-{
-    return take(m_primitives, element);
-}
-
-QVector<RecordingStyle::Drawn> RecordingStyle::takeControls(ControlElement element)
-{
-    return take(m_controls, element);
 }
 
 void RecordingStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option,
@@ -68,11 +52,4 @@ int RecordingStyle::styleHint(StyleHint hint, const QStyleOption *option, const 
 {
     return hints.contains(hint) ? hints.value(hint)
                                 : QProxyStyle::styleHint(hint, option, widget, returned);
-}
-
-int RecordingStyle::pixelMetric(PixelMetric metric, const QStyleOption *option,
-                                const QWidget *widget) const
-{
-    return metrics.contains(metric) ? metrics.value(metric)
-                                    : QProxyStyle::pixelMetric(metric, option, widget);
 }

@@ -1,21 +1,10 @@
 #include <support/recordingtable.h>
 
 #include <support/counteditem.h>
-#include <tul-util-gui/mdatable/mdatableheader_p.h>
 
 #include <QCoreApplication>
 #include <QPaintEvent>
 #include <QTest>
-
-MDATableHeader *RecordingTable::leftHeader() const
-{
-    return findChild<MDATableHeader *>(QStringLiteral("left table header"));
-}
-
-MDATableHeader *RecordingTable::topHeader() const
-{
-    return findChild<MDATableHeader *>(QStringLiteral("right table header"));
-}
 
 bool RecordingTable::showSettled(const QSize &size)
 {
@@ -61,12 +50,6 @@ QString RecordingTable::contents() const
         rows.append(cells.join(QLatin1Char(' ')));
     }
     return rows.join(QLatin1Char('/'));
-}
-
-void RecordingTable::resizeData(long long len)
-{
-    calls.append(QStringLiteral("resizeData"));
-    MDATable::resizeData(len);
 }
 
 void RecordingTable::rowHeightChanged()

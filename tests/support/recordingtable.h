@@ -1,12 +1,11 @@
 #pragma once
 
 #include <tul-util-gui/mdatable/mdatable.h>
+#include <tul-util-gui/mdatable/mdatableheader_p.h>
 
 #include <QRect>
 #include <QStringList>
 #include <QVector>
-
-class MDATableHeader;
 
 /// A table that opens protected operations to tests and records calls of virtual ones, which it
 /// then handles as the base class does. What the constructor calls is not recorded.
@@ -28,13 +27,19 @@ public:
     using MDATable::activateNextCell;
     using MDATable::drawContents;
     using MDATable::indexOf;
-    void resizeData(long long len) override;
+    using MDATable::resizeData;
     void rowHeightChanged() override;
     void columnWidthChanged() override;
     void updateGeometries() override;
 
-    MDATableHeader *leftHeader() const;
-    MDATableHeader *topHeader() const;
+    MDATableHeader *leftHeader() const
+    {
+        return findChild<MDATableHeader *>(QStringLiteral("left table header"));
+    }
+    MDATableHeader *topHeader() const
+    {
+        return findChild<MDATableHeader *>(QStringLiteral("right table header"));
+    }
 
     /// Shows the table in a size and waits until scroll bars, layout and painting have settled;
     /// clears the records. False when the window did not come.
@@ -53,7 +58,7 @@ public:
     int countOf(const char *call) const { return calls.count(QLatin1String(call)); }
 
     // What was recorded; a test may change it.
-    QStringList calls; ///< resizeData, rowHeightChanged, columnWidthChanged, updateGeometries
+    QStringList calls; ///< rowHeightChanged, columnWidthChanged, updateGeometries
     QVector<QRect> paintEvents; ///< bounding rectangles
     QVector<PaintedCell> paintedCells; ///< each cell once, from the overload with a colour group
     QVector<QRect> paintedFocus;

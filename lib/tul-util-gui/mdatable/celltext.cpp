@@ -40,7 +40,7 @@ bool isPlainNumber(const QString &text)
 const QImage *targetImage(const QPainter *painter)
 {
     const QPaintEngine *engine = painter->paintEngine();
-    if (engine->type() != QPaintEngine::Raster || painter->opacity() < 1.0
+    if (painter->opacity() < 1.0
         || painter->compositionMode() != QPainter::CompositionMode_SourceOver
         || !painter->testRenderHint(QPainter::TextAntialiasing))
         return nullptr;
@@ -73,7 +73,9 @@ bool drawNumber(QPainter *painter, const QRect &rect, int flags, const QString &
     const bool right = flags & Qt::AlignRight;
     const int known = Qt::AlignLeft | Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine;
     if ((flags & ~known) != 0 || painter->layoutDirection() == Qt::RightToLeft
-        || painter->worldTransform().type() > QTransform::TxTranslate)
+        || painter->worldTransform().type() > QTransform::TxTranslate
+        || painter->viewTransformEnabled() || painter->backgroundMode() != Qt::TransparentMode
+        || painter->paintEngine()->type() != QPaintEngine::Raster)
         return false;
     NumberFont &font = NumberFont::of(painter->font(), painter->device()->logicalDpiY());
     NumberGlyphs glyphs;

@@ -179,8 +179,11 @@ void MDATable::setSparse(bool sparse)
 
 void MDATable::clear()
 {
+    const QPointer<MDATable> self(this);
     d->store.setSparse(false);
     clearSelection(false);
+    if (!self)
+        return;
     d->rows.header->reset();
     d->columns.header->reset();
     d->store.clear();
@@ -194,7 +197,10 @@ void MDATable::clear()
 
 void MDATable::clearData()
 {
+    const QPointer<MDATable> self(this);
     clearSelection(false);
+    if (!self)
+        return;
     d->store.clear();
     d->maxItemWidth = 0;
     d->validRegion = QRegion();

@@ -104,8 +104,11 @@ void MDATablePrivate::setCount(TableAxis &axis, long long count)
 {
     if (count < 0)
         return;
+    const QPointer<MDATable> table(q);
     // First of all, because hosts may edit cells when it is announced.
     q->clearSelection(false);
+    if (!table)
+        return;
     QVector<MDATableItem *> saved;
     q->saveContents(saved);
     axis.header->setCount(count);
@@ -114,7 +117,8 @@ void MDATablePrivate::setCount(TableAxis &axis, long long count)
     finishDimensionChange();
     if (axis.current >= axis.count())
         keepCurrentInside(axis);
-    if (rows.current == -1 && columns.current == -1 && q->numRows() > 0 && q->numCols() > 0)
+    if (table && rows.current == -1 && columns.current == -1 && q->numRows() > 0
+        && q->numCols() > 0)
         q->setCurrentCell(0, 0);
 }
 
@@ -135,7 +139,10 @@ void MDATablePrivate::setHidden(TableAxis &axis, long long from, long long to, b
         long long row = rows.current;
         long long col = columns.current;
         interaction.fixCell(row, col, key);
+        const QPointer<MDATable> table(q);
         q->setCurrentCell(row, col);
+        if (!table)
+            return;
     }
     axis.announceSizeChange();
 }
