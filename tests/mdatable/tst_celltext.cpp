@@ -4,7 +4,6 @@
 #include <QFont>
 #include <QFontMetrics>
 #include <QPainter>
-#include <QPainterPath>
 #include <QPicture>
 #include <QRandomGenerator>
 #include <QTest>
@@ -14,6 +13,7 @@
 
 using Prepare = std::function<void(QPainter *)>;
 Q_DECLARE_METATYPE(Prepare)
+using DrawOn = std::function<void(QImage *, bool plain)>;
 
 namespace
 {
@@ -71,78 +71,41 @@ void showWindow(QPainter *painter, const QRect &window)
     painter->fillRect(cell.adjusted(-2, 0, 2, 0), Qt::white); // where it is now
 }
 
-QImage drawn(const Scene &scene, bool plain)
+// Whether the picture is that of the toolkit; tells what differs.
+bool isDrawnAlike(const Scene &scene, const DrawOn &draw = {})
 {
-    QImage image = newImage(scene);
-    QPainter painter(&image);
-    drawOn(&painter, scene, plain);
-    return image;
-}
-
-bool isDrawnAlike(const Scene &scene)
-{
-    return drawn(scene, false) == drawn(scene, true);
-}
-
-QString description(const Scene &scene)
-{
-    QString result;
-    QDebug(&result) << scene.text << scene.rect << scene.flags << scene.shift << scene.ratio
-                    << scene.format << scene.colors.background << scene.namesBackground;
-    return result;
+    QImage images[2];
+    for (const bool plain : {false, true}) {
+        images[plain] = newImage(scene);
+        if (draw) {
+            draw(&images[plain], plain);
+        } else {
+            QPainter painter(&images[plain]);
+            drawOn(&painter, scene, plain);
+        }
+    }
+    if (images[0] == images[1])
+        return true;
+    qWarning() << scene.text << scene.rect << scene.flags << scene.shift << scene.ratio
+               << scene.format << scene.colors.background << scene.namesBackground;
+    return false;
 }
 
 template<typename T> T oneOf(QRandomGenerator &random, std::initializer_list<T> values)
 {
-    return *(values.begin() + random.bounded(static_cast<int>(values.size())));
+    return values.begin()[random.bounded(static_cast<int>(values.size()))];
 }
 
 QString randomNumber(QRandomGenerator &random)
 {
     const double value = (random.generateDouble() - 0.5) * std::pow(10, random.bounded(-6, 12));
-    switch (random.bounded(4)) {
-    case 0:
-        return QString::number(static_cast<long long>(value));
-    case 1:
-        return QString::number(value, 'e', random.bounded(6));
-    case 2:
-        return QString::number(value, 'f', 2).replace(QLatin1Char('.'), QLatin1Char(','));
-    default:
-        return QString::number(value, 'f', random.bounded(4));
-    }
-}
-
-void addFonts()
-{
-    QTest::addColumn<QFont>("font");
-    for (const char *family : {"DejaVu Sans", "DejaVu Sans Mono", "DejaVu Serif"}) {
-        for (const int points : {7, 9, 12}) {
-            QFont font(QString::fromLatin1(family), points);
-            QTest::addRow("%s %d", family, points) << font;
-            font.setBold(points == 9);
-            font.setItalic(points != 9);
-            QTest::addRow("%s %d %s", family, points, points == 9 ? "bold" : "italic") << font;
-        }
-    }
-    QFont font(QStringLiteral("DejaVu Sans"), 10);
-    const auto addFont = [&font](const char *name, const std::function<void(QFont &)> &change) {
-        QFont changed = font;
-        change(changed);
-        QTest::newRow(name) << changed;
+    const QString texts[] = {
+        QString::number(static_cast<long long>(value)),
+        QString::number(value, 'e', random.bounded(6)),
+        QString::number(value, 'f', 2).replace(QLatin1Char('.'), QLatin1Char(',')),
+        QString::number(value, 'f', random.bounded(4)),
     };
-    addFont("underlined", [](QFont &f) { f.setUnderline(true); });
-    addFont("struck out", [](QFont &f) { f.setStrikeOut(true); });
-    addFont("small capitals", [](QFont &f) { f.setCapitalization(QFont::SmallCaps); });
-    addFont("capitals", [](QFont &f) { f.setCapitalization(QFont::AllUppercase); });
-    addFont("spaced", [](QFont &f) { f.setLetterSpacing(QFont::AbsoluteSpacing, 1.5); });
-    addFont("spaced wide", [](QFont &f) { f.setLetterSpacing(QFont::AbsoluteSpacing, 6); });
-    addFont("narrowed", [](QFont &f) { f.setLetterSpacing(QFont::PercentageSpacing, 80); });
-    addFont("overlapping", [](QFont &f) { f.setLetterSpacing(QFont::AbsoluteSpacing, -3); });
-    addFont("stretched", [](QFont &f) { f.setStretch(140); });
-    addFont("unhinted", [](QFont &f) { f.setHintingPreference(QFont::PreferNoHinting); });
-    addFont("not smoothed", [](QFont &f) { f.setStyleStrategy(QFont::NoAntialias); });
-    addFont("in pixels", [](QFont &f) { f.setPixelSize(13); });
-    addFont("fractional", [](QFont &f) { f.setPointSizeF(9.3); });
+    return texts[random.bounded(4)];
 }
 
 } // namespace
@@ -179,97 +142,91 @@ private Q_SLOTS:
         }
     }
 
-    void sizeIsThatOfTheFont_data() { addFonts(); }
+    void textIsMeasuredAndDrawnAsByTheToolkit_data()
+    {
+        QTest::addColumn<QFont>("font");
+        for (const char *family : {"DejaVu Sans", "DejaVu Sans Mono", "DejaVu Serif"}) {
+            for (const int points : {7, 9, 12})
+                QTest::addRow("%s %d", family, points)
+                    << QFont(QString::fromLatin1(family), points);
+            QTest::addRow("%s italic", family)
+                << QFont(QString::fromLatin1(family), 12, QFont::Normal, true);
+        }
+        using F = QFont &;
+        const auto addFont = [](const char *name, const std::function<void(F)> &change) {
+            QFont font(QStringLiteral("DejaVu Sans"), 10);
+            change(font);
+            QTest::newRow(name) << font;
+        };
+        addFont("bold", [](F f) { f.setBold(true); });
+        addFont("underlined", [](F f) { f.setUnderline(true); });
+        addFont("small capitals", [](F f) { f.setCapitalization(QFont::SmallCaps); });
+        addFont("spaced wide", [](F f) { f.setLetterSpacing(QFont::AbsoluteSpacing, 6); });
+        addFont("narrowed", [](F f) { f.setLetterSpacing(QFont::PercentageSpacing, 80); });
+        addFont("overlapping", [](F f) { f.setLetterSpacing(QFont::AbsoluteSpacing, -3); });
+        addFont("stretched", [](F f) { f.setStretch(140); });
+        addFont("unhinted", [](F f) { f.setHintingPreference(QFont::PreferNoHinting); });
+        addFont("not smoothed", [](F f) { f.setStyleStrategy(QFont::NoAntialias); });
+        addFont("fractional", [](F f) { f.setPointSizeF(9.3); });
+    }
 
-    void sizeIsThatOfTheFont()
+    void textIsMeasuredAndDrawnAsByTheToolkit()
     {
         QFETCH(QFont, font);
         const QFontMetrics metrics(font);
-        QStringList texts{QString(), QStringLiteral("a word"), QStringLiteral("1 000"),
-                          QString(200, QLatin1Char('8')), QStringLiteral("e-e-e")};
-        QRandomGenerator random(2);
-        for (int i = 0; i < 200; ++i)
-            texts.append(randomNumber(random));
-        for (const QString &text : texts)
-            QCOMPARE(tul::textSize(font, text),
-                     QSize(metrics.horizontalAdvance(text), metrics.height()));
-    }
-
-    void pixelsAreThoseOfTheToolkit_data() { addFonts(); }
-
-    void pixelsAreThoseOfTheToolkit()
-    {
+        const auto isMeasuredAlike = [&](const QString &text) {
+            return tul::textSize(font, text)
+                == QSize(metrics.horizontalAdvance(text), metrics.height());
+        };
+        for (const char *text : {"", "a word", "1 000", "e-e-e"})
+            QVERIFY2(isMeasuredAlike(QString::fromLatin1(text)), text);
+        QVERIFY(isMeasuredAlike(QString(200, QLatin1Char('8'))));
         QRandomGenerator random(3);
         Scene scene;
-        QFETCH(QFont, font);
         scene.font = font;
-        for (const Colors &colors :
-             {Colors{Qt::black, Qt::white}, Colors{QColor(230, 240, 250), QColor(35, 38, 41)}}) {
-            for (const qreal ratio : {1.0, 1.5, 2.0}) {
-                for (const QImage::Format format :
-                     {QImage::Format_RGB32, QImage::Format_ARGB32_Premultiplied}) {
-                    scene.colors = colors;
-                    scene.ratio = ratio;
-                    scene.format = format;
-                    for (int i = 0; i < 16; ++i) {
-                        scene.text = randomNumber(random);
-                        scene.namesBackground = i % 3 != 0;
-                        // From too low and too narrow up, and as wide as the text.
-                        const int wide = oneOf(
-                            random,
-                            {10, 40, 62, 80, tul::textSize(scene.font, scene.text).width()});
-                        scene.rect = QRect(7, 5, wide, random.bounded(6, 32));
-                        scene.flags
-                            = oneOf<int>(random,
-                                         {leftCentred, rightCentred, rightCentred, Qt::AlignLeft,
-                                          Qt::AlignHCenter | Qt::AlignVCenter});
-                        scene.shift = oneOf<QPointF>(random,
-                                                     {QPointF(), QPointF(3, 8), QPointF(-30, -12),
-                                                      QPointF(45, 25), QPointF(0.5, 0.25)});
-                        QVERIFY2(isDrawnAlike(scene), qPrintable(description(scene)));
-                    }
-                }
-            }
+        for (int i = 0; i < 200; ++i) {
+            scene.colors = oneOf<Colors>(
+                random, {{Qt::black, Qt::white}, {QColor(230, 240, 250), QColor(35, 38, 41)}});
+            scene.ratio = oneOf(random, {1.0, 1.5, 2.0});
+            scene.format
+                = oneOf(random, {QImage::Format_RGB32, QImage::Format_ARGB32_Premultiplied});
+            scene.text = randomNumber(random);
+            QVERIFY2(isMeasuredAlike(scene.text), qPrintable(scene.text));
+            scene.namesBackground = i % 3 != 0;
+            // Ink reaches out of the rectangle, where the background may be another one.
+            scene.margin = oneOf(random, {0, 2});
+            // From too low and too narrow up, and as wide as the text.
+            const int wide = oneOf(random, {10, 40, 62, 80, metrics.horizontalAdvance(scene.text)});
+            scene.rect = QRect(7, 5, wide, random.bounded(6, 32));
+            scene.flags = oneOf<int>(
+                random,
+                {leftCentred, rightCentred, Qt::AlignLeft, Qt::AlignHCenter | Qt::AlignVCenter});
+            scene.shift
+                = oneOf<QPointF>(random, {{0, 0}, {3, 8}, {-30, -12}, {45, 25}, {0.5, 0.25}});
+            QVERIFY(isDrawnAlike(scene));
         }
     }
 
     void unusualPaintersDrawAsTheyDoOtherwise_data()
     {
         QTest::addColumn<Prepare>("prepare");
-        const auto addRow
-            = [](const char *name, const Prepare &prepare) { QTest::newRow(name) << prepare; };
-        addRow("right to left", [](QPainter *p) { p->setLayoutDirection(Qt::RightToLeft); });
-        addRow("translucent", [](QPainter *p) { p->setOpacity(0.4); });
-        addRow("translucent pen", [](QPainter *p) { p->setPen(QColor(200, 0, 0, 100)); });
-        addRow("adding",
-               [](QPainter *p) { p->setCompositionMode(QPainter::CompositionMode_Multiply); });
-        addRow("replacing",
-               [](QPainter *p) { p->setCompositionMode(QPainter::CompositionMode_Source); });
-        addRow("opaque", [](QPainter *p) {
-            p->setBackgroundMode(Qt::OpaqueMode);
-            p->setBackground(Qt::yellow);
-        });
-        addRow("not smoothed",
-               [](QPainter *p) { p->setRenderHint(QPainter::TextAntialiasing, false); });
-        addRow("smoothing all", [](QPainter *p) {
-            p->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-        });
+        using P = QPainter *;
+        const auto addRow = [](const char *name, const Prepare &p) { QTest::newRow(name) << p; };
+        addRow("right to left", [](P p) { p->setLayoutDirection(Qt::RightToLeft); });
+        addRow("translucent", [](P p) { p->setOpacity(0.4); });
+        addRow("translucent pen", [](P p) { p->setPen(QColor(200, 0, 0, 100)); });
+        addRow("adding", [](P p) { p->setCompositionMode(QPainter::CompositionMode_Multiply); });
+        addRow("opaque", [](P p) { p->setBackgroundMode(Qt::OpaqueMode); });
+        addRow("not smoothed", [](P p) { p->setRenderHint(QPainter::TextAntialiasing, false); });
         addRow("clipped",
-               [](QPainter *p) { p->setClipRegion(QRegion(20, 8, 20, 9) + QRect(50, 12, 6, 9)); });
-        addRow("clipped round", [](QPainter *p) {
-            QPainterPath path;
-            path.addEllipse(30, 5, 35, 20);
-            p->setClipPath(path);
-        });
-        addRow("scaled", [](QPainter *p) { p->scale(1.3, 1.1); });
-        addRow("twice as large", [](QPainter *p) { p->scale(2, 2); });
-        addRow("mirrored", [](QPainter *p) { p->setTransform(QTransform(-1, 0, 0, 1, 80, 0)); });
-        addRow("rotated", [](QPainter *p) { p->rotate(10); });
-        addRow("window upside down", [](QPainter *p) { showWindow(p, QRect(0, 40, 90, -40)); });
-        addRow("window half as high", [](QPainter *p) { showWindow(p, QRect(0, 0, 90, 80)); });
-        addRow("window of a quarter", [](QPainter *p) { showWindow(p, QRect(0, 0, 45, 20)); });
-        addRow("own font",
-               [](QPainter *p) { p->setFont(QFont(QStringLiteral("DejaVu Serif"), 8)); });
+               [](P p) { p->setClipRegion(QRegion(20, 8, 20, 9) + QRect(50, 12, 6, 9)); });
+        addRow("round", [](P p) { p->setClipRegion(QRegion(30, 5, 35, 20, QRegion::Ellipse)); });
+        addRow("twice as large", [](P p) { p->scale(2, 2); });
+        addRow("mirrored", [](P p) { p->setTransform(QTransform(-1, 0, 0, 1, 80, 0)); });
+        addRow("rotated", [](P p) { p->rotate(10); });
+        addRow("window upside down", [](P p) { showWindow(p, QRect(0, 40, 90, -40)); });
+        addRow("window of a quarter", [](P p) { showWindow(p, QRect(0, 0, 45, 20)); });
+        addRow("own font", [](P p) { p->setFont(QFont(QStringLiteral("DejaVu Serif"), 8)); });
     }
 
     void unusualPaintersDrawAsTheyDoOtherwise()
@@ -281,7 +238,7 @@ private Q_SLOTS:
             for (const bool named : {true, false}) {
                 scene.ratio = ratio;
                 scene.namesBackground = named;
-                QVERIFY2(isDrawnAlike(scene), qPrintable(description(scene)));
+                QVERIFY(isDrawnAlike(scene));
             }
         }
     }
@@ -291,55 +248,24 @@ private Q_SLOTS:
         Scene scene;
         for (const QImage::Format format :
              {QImage::Format_ARGB32, QImage::Format_RGB16, QImage::Format_Grayscale8,
-              QImage::Format_RGBA8888_Premultiplied, QImage::Format_RGB30, QImage::Format_Mono}) {
+              QImage::Format_RGB30, QImage::Format_Mono}) {
             scene.format = format;
-            QVERIFY2(isDrawnAlike(scene), qPrintable(description(scene)));
+            QVERIFY(isDrawnAlike(scene));
         }
         scene.format = QImage::Format_RGB32;
-        QImage results[2];
-        for (const bool plain : {false, true}) {
-            QImage &fine = results[plain];
-            fine = newImage(scene);
-            fine.setDotsPerMeterX(2 * fine.dotsPerMeterX());
-            fine.setDotsPerMeterY(2 * fine.dotsPerMeterY());
-            QPainter painter(&fine);
+        QVERIFY(isDrawnAlike(scene, [&scene](QImage *fine, bool plain) {
+            fine->setDotsPerMeterX(2 * fine->dotsPerMeterX());
+            fine->setDotsPerMeterY(2 * fine->dotsPerMeterY());
+            QPainter painter(fine);
             drawOn(&painter, scene, plain);
-        }
-        QCOMPARE(results[0], results[1]);
-        QVERIFY(results[0] != drawn(scene, true));
-    }
-
-    void recordedPicturesPlayAsOtherwise()
-    {
-        const Scene scene;
-        QImage results[2];
-        for (const bool plain : {false, true}) {
+        }));
+        QVERIFY(isDrawnAlike(scene, [&scene](QImage *image, bool plain) {
             QPicture picture;
             QPainter recorder(&picture);
             drawOn(&recorder, scene, plain);
             recorder.end();
-            results[plain] = newImage(scene);
-            QPainter player(&results[plain]);
-            player.drawPicture(0, 0, picture);
-        }
-        QCOMPARE(results[0], results[1]);
-    }
-
-    void inkBesideTheRectangleIsBlended()
-    {
-        // Italics reach out of it, where the background may be another one.
-        Scene scene;
-        scene.margin = 0;
-        for (const char *family : {"DejaVu Sans Mono", "DejaVu Serif"}) {
-            scene.font = QFont(QString::fromLatin1(family), 12, QFont::Normal, true);
-            for (const char *text : {"3", "4.4e", "777"}) {
-                scene.text = QString::fromLatin1(text);
-                for (const int flags : {leftCentred, rightCentred}) {
-                    scene.flags = flags;
-                    QVERIFY2(isDrawnAlike(scene), qPrintable(description(scene)));
-                }
-            }
-        }
+            QPainter(image).drawPicture(0, 0, picture);
+        }));
     }
 
     void colorsAndFontsMayAlternate()
@@ -349,10 +275,10 @@ private Q_SLOTS:
         Scene scene;
         for (int i = 0; i < 60; ++i) {
             scene.font = QFont(QStringLiteral("DejaVu Sans"), 6 + i % 11);
-            scene.colors
-                = {QColor::fromHsv(i % 10 * 30, 255, 120), QColor::fromHsv(i % 3 * 90, 60, 250)};
+            scene.colors.text = QColor::fromHsv(i % 10 * 30, 255, 120);
+            scene.colors.background = QColor::fromHsv(i % 3 * 90, 60, 250);
             scene.text = randomNumber(random);
-            QVERIFY2(isDrawnAlike(scene), qPrintable(description(scene)));
+            QVERIFY(isDrawnAlike(scene));
         }
     }
 };

@@ -322,7 +322,9 @@ NumberFont::NumberFont(const QFont &font, int dpi)
     const QString characters = alphabet();
     for (const QChar character : characters)
         m_advances.append(metrics.horizontalAdvance(character));
-    const bool plain = !font.underline() && !font.overline() && !font.strikeOut()
+    const bool stretched
+        = font.stretch() != QFont::AnyStretch && font.stretch() != QFont::Unstretched;
+    const bool plain = !font.underline() && !font.overline() && !font.strikeOut() && !stretched
         && font.capitalization() == QFont::MixedCase;
     m_usable = plain && readGlyphs() && placesPairsLikeSingles();
 }
