@@ -14,7 +14,6 @@
 #include <QStyleOptionHeader>
 
 #include <algorithm>
-#include <limits>
 
 namespace
 {

@@ -51,9 +51,9 @@ void TablePainter::drawCells(QPainter *painter, long long rowFirst, long long co
     const HiddenSections &hiddenRows = d->rows.header->hiddenSections();
     const HiddenSections &hiddenColumns = d->columns.header->hiddenSections();
     QVarLengthArray<long long, 64> columns;
-    for (long long col = hiddenColumns.nextVisible(colFirst); col <= colLast;
-         col = hiddenColumns.nextVisible(col + 1))
-        columns.append(col);
+    for (HiddenSections::VisibleCursor col(hiddenColumns, colFirst); col.section() <= colLast;
+         col.next())
+        columns.append(col.section());
 
     const long long currentRow = d->rows.current;
     const long long currentCol = d->columns.current;
