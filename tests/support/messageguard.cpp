@@ -4,6 +4,17 @@
 
 #include <algorithm>
 
+namespace
+{
+
+// The offscreen platform logs it for each window of limited size, a message box for example.
+bool isOfThePlatform(const QString &text)
+{
+    return text == QLatin1String("This plugin does not support propagateSizeHints()");
+}
+
+} // namespace
+
 MessageGuard *MessageGuard::s_guard = nullptr;
 
 MessageGuard::MessageGuard()
@@ -35,7 +46,7 @@ QStringList MessageGuard::faults() const
 
 void MessageGuard::handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
-    if (s_guard->take(type, text))
+    if (isOfThePlatform(text) || s_guard->take(type, text))
         return;
     s_guard->m_previous(type, context, text);
 }

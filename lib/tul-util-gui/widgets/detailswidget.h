@@ -25,7 +25,9 @@ class DetailsWidgetPrivate;
 ///
 /// *Ownership*: the panel owns the widgets that are handed to it. The details widget is deleted
 /// when another one takes its place, so do not replace it from one of its own signals. A replaced
-/// tool widget stays in its place in the bar until the host deletes it.
+/// tool widget stays in its place in the bar until the host deletes it. A slot of expanded() or
+/// checked() that wants the panel gone calls deleteLater(): the toolkit's buttons still use
+/// themselves after they have toggled.
 ///
 /// *Errors*: a widget that contains the panel is refused as details or tool widget, with a warning.
 ///

@@ -81,7 +81,13 @@ StringListEditDialog::StringListEditDialog(const QStringList &list, QWidget *par
     setStringList(list);
 }
 
-StringListEditDialog::~StringListEditDialog() = default;
+StringListEditDialog::~StringListEditDialog()
+{
+    // A dialog that is on the screen is hidden after this, which ends the editing: the slots would
+    // hear of that when the form is gone.
+    m_model->disconnect(this);
+    m_ui->listView->selectionModel()->disconnect(this);
+}
 
 QStringList StringListEditDialog::stringList() const
 {
