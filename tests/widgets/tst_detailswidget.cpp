@@ -27,7 +27,7 @@ struct Panel : DetailsWidget {
                 [note](bool on) { note(QString::number(on)); });
         connect(this, &DetailsWidget::detailsClicked, this, [note] { note(QStringLiteral("d")); });
         connect(this, &DetailsWidget::linkActivated, this, note);
-        resize(300, 200);
+        resize(400, 200);
     }
 
     /// Does one thing: b clicks the button, others the label, each in its way; E, C and N set the
