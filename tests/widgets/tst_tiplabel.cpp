@@ -1,0 +1,74 @@
+#include <support/testcase.h>
+#include <tul-util-gui/widgets/tiplabel.h>
+
+#include <QApplication>
+#include <QTest>
+#include <QToolTip>
+
+#include <algorithm>
+
+class TestTipLabel : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void looksAsTheToolTipOfTheToolkit_data();
+    void looksAsTheToolTipOfTheToolkit();
+};
+
+void TestTipLabel::looksAsTheToolTipOfTheToolkit_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("wraps");
+    QTest::addColumn<QString>("family");
+    const QString sans = QStringLiteral("DejaVu Sans");
+    QTest::newRow("plain") << QStringLiteral("Two words") << false << sans;
+    QTest::newRow("two lines") << QStringLiteral("Two\nlines") << false << sans;
+    QTest::newRow("rich") << QStringLiteral("<b>Bold</b> and <i>not</i>") << true << sans;
+    QTest::newRow("fixed") << QStringLiteral("Two words") << false
+                           << QStringLiteral("DejaVu Sans Mono");
+}
+
+void TestTipLabel::looksAsTheToolTipOfTheToolkit()
+{
+    QFETCH(const QString, text);
+    QFETCH(const bool, wraps);
+    QFETCH(const QString, family);
+    QFont font(family);
+    font.setPixelSize(12);
+    QToolTip::setFont(font);
+    QApplication::setFont(font); // that of the tip goes by the name of its class
+    QPalette palette = QToolTip::palette();
+    palette.setColor(QPalette::ToolTipBase, Qt::yellow);
+    QToolTip::setPalette(palette);
+
+    QWidget parent;
+    announceWarning(QStringLiteral("This plugin does not support raise()")); // the platform's
+    QToolTip::showText(QPoint(10, 10), text, &parent);
+    const auto windows = QApplication::topLevelWidgets();
+    const auto tip = std::find_if(windows.begin(), windows.end(), [&](const QWidget *window) {
+        const auto *const label = qobject_cast<const QLabel *>(window);
+        return label && label->isVisible() && label->text() == text;
+    });
+    QVERIFY(tip != windows.end());
+    const auto *const theirs = static_cast<const QLabel *>(*tip);
+
+    const TipLabel ours(text, &parent);
+    QCOMPARE(ours.wordWrap(), wraps);
+    QCOMPARE(theirs->wordWrap(), wraps);
+    QVERIFY(ours.isWindow());
+    QCOMPARE(ours.windowFlags(), theirs->windowFlags());
+    QCOMPARE(ours.size(), theirs->size());
+    QCOMPARE(ours.margin(), theirs->margin());
+    QCOMPARE(ours.indent(), theirs->indent());
+    QCOMPARE(ours.alignment(), theirs->alignment());
+    QCOMPARE(ours.frameStyle(), theirs->frameStyle());
+    QCOMPARE(ours.windowOpacity(), theirs->windowOpacity());
+    QCOMPARE(ours.hasMouseTracking(), theirs->hasMouseTracking());
+    QCOMPARE(ours.palette().color(ours.backgroundRole()), QColor(Qt::yellow));
+    QCOMPARE(ours.foregroundRole(), theirs->foregroundRole());
+}
+
+QTEST_MAIN(TestTipLabel)
+
+#include "tst_tiplabel.moc"
