@@ -113,7 +113,7 @@ public:
     /// The details, with `padding` pixels around them; a negative number stands for 6. Null leaves
     /// the panel with its bar alone: the button then only emits detailsClicked().
     QWidget *widget() const;
-    void setWidget(QWidget *widget, int padding = -1);
+    Q_INVOKABLE void setWidget(QWidget *widget, int padding = -1);
 
 Q_SIGNALS:
     /// Emitted when the check box is checked or unchecked.
