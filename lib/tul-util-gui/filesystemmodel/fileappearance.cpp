@@ -1,0 +1,84 @@
+#include "fileappearance_p.h"
+
+#include <tul-util-gui/filesystemmodel/remoteextendedinformation.h>
+#include <tul-util-gui/filesystemmodel/remotefileinfogatherer.h>
+
+#include <QFileIconProvider>
+#include <QMimeType>
+
+#include <typeinfo>
+
+namespace
+{
+
+const int mostShared = 1000; // suffixes; beyond that they are no types any more
+
+QString withKind(const RemoteExtendedInformation &record, const QString &text)
+{
+    return text + QChar(record.type()) + QChar(record.isSymLink() ? 1 : 0);
+}
+
+} // namespace
+
+void FileAppearance::fill(RemoteExtendedInformation &record)
+{
+    const QFileIconProvider *const provider = m_gatherer.iconProvider();
+    if (m_provider != provider) {
+        m_provider = provider;
+        clear();
+    }
+    if (!provider || typeid(*provider) != typeid(QFileIconProvider)) {
+        record = m_gatherer.getInfo(record.mFileInfo);
+        return;
+    }
+    record.displayType = typeText(record);
+    record.icon = record.mFileInfo.isNativePath() ? localIcon(record) : servedIcon(record);
+}
+
+void FileAppearance::clear()
+{
+    m_typeTexts.clear();
+    m_icons.clear();
+}
+
+QString FileAppearance::typeText(const RemoteExtendedInformation &record)
+{
+    if (record.type() != RemoteExtendedInformation::File)
+        return m_provider->type(record.mFileInfo);
+    if (m_typeTexts.size() >= mostShared)
+        m_typeTexts.clear();
+    QString &text = m_typeTexts[withKind(record, record.mFileInfo.suffix())];
+    if (text.isNull())
+        text = m_provider->type(record.mFileInfo);
+    return text;
+}
+
+QIcon FileAppearance::localIcon(const RemoteExtendedInformation &record)
+{
+    if (record.type() != RemoteExtendedInformation::File)
+        return m_provider->icon(record.mFileInfo);
+    const QList<QMimeType> types = m_types.mimeTypesForFileName(record.mFileInfo.fileName());
+    if (types.size() != 1)
+        return m_provider->icon(record.mFileInfo);
+    const QString key = withKind(record, types.first().name());
+    const auto shared = m_icons.constFind(key);
+    if (shared != m_icons.constEnd())
+        return *shared;
+    const QIcon icon = m_provider->icon(record.mFileInfo);
+    m_icons.insert(key, icon);
+    return icon;
+}
+
+QIcon FileAppearance::servedIcon(const RemoteExtendedInformation &record) const
+{
+    if (record.mFileInfo.isRoot())
+        return m_provider->icon(QFileIconProvider::Drive);
+    if (record.type() == RemoteExtendedInformation::Dir)
+        return m_provider->icon(QFileIconProvider::Folder);
+    const QMimeType type
+        = m_types.mimeTypeForFile(record.mFileInfo.fileName(), QMimeDatabase::MatchExtension);
+    const QIcon icon = QIcon::fromTheme(type.iconName());
+    if (!icon.isNull())
+        return icon;
+    return QIcon::fromTheme(type.genericIconName(), m_provider->icon(QFileIconProvider::File));
+}

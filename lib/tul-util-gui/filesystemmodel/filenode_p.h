@@ -1,0 +1,135 @@
+#pragma once
+
+#include "nodesorter_p.h"
+
+#include <tul-util-gui/filesystemmodel/remoteextendedinformation.h>
+
+#include <QHash>
+#include <QSet>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+struct FileDirectory;
+
+/// A file that the model has seen. Owned by the FileTree, like all that hangs on it.
+struct FileNode {
+    FileNode();
+    ~FileNode();
+    FileNode(const FileNode &) = delete;
+    FileNode &operator=(const FileNode &) = delete;
+
+    bool isVisible() const { return row >= 0; }
+
+    /// What has not been inspected is a directory if something has been found in it.
+    bool isDirectory() const;
+    bool isSystem() const { return hasInfo && record.type() == RemoteExtendedInformation::System; }
+    bool isHidden() const { return hasInfo && record.mFileInfo.isHidden(); }
+    bool isSymLink() const { return hasInfo && record.isSymLink(); }
+    qint64 size() const { return hasInfo ? record.size() : 0; }
+    QFileDevice::Permissions permissions() const;
+
+    QString fileName; ///< the path element
+    FileNode *parent = nullptr; ///< null for the root only
+    std::unique_ptr<FileDirectory> directory; ///< null as long as there were no children
+    RemoteExtendedInformation record; ///< only with hasInfo; text and icon only with hasAppearance
+    int row = -1; ///< in the visible list of the parent; -1 when not shown
+    bool hasInfo = false;
+    bool hasAppearance = false;
+    bool populatedChildren = false; ///< the children were requested
+    bool bypassesFilters = false; ///< is shown in any case, because its path was asked for
+    bool isListed = false; ///< scratch: is in the list of names that has come
+    bool isRemoved = false; ///< waits for its deletion
+};
+
+/// What a node with children has besides.
+struct FileDirectory {
+    /// By name as compareKey() of the tree gives it. Owned.
+    QMultiHash<QString, FileNode *> children;
+    std::vector<FileNode *> visible; ///< in the order shown
+    int dirtyChildrenIndex = -1; ///< the first row that may be out of order; -1 for none
+    std::vector<SortEntry> sorted; ///< the first rows in order, while a long listing arrives
+};
+
+/// The nodes of a model, and which of them have rows. Knows nothing of item models: whoever changes
+/// rows here announces it around the call.
+///
+/// Lookup by name and row lookup take constant time. Names are compared as this machine's file
+/// system does; below the root, where the drives are, case never counts, but an exact match goes
+/// first.
+class FileTree
+{
+public:
+    FileTree();
+    ~FileTree();
+    FileTree(const FileTree &) = delete;
+    FileTree &operator=(const FileTree &) = delete;
+
+    FileNode *root() const { return m_root.get(); }
+
+    /// The child of that name, or null.
+    FileNode *find(const FileNode *parent, const QString &name) const;
+
+    /// The node of a path as the model or a request gives it, or null. The empty path is the root.
+    FileNode *findPath(const QString &path) const;
+
+    /// Adds a child, not shown; there must be none of that name.
+    FileNode *add(FileNode *parent, const QString &name);
+
+    /// Renames a node within its parent; no other child may have the name.
+    void rename(FileNode *node, const QString &name);
+
+    /// Takes a node, which is not shown, out of the tree with all below it. It is deleted when the
+    /// last Keeper goes, or at once.
+    void remove(FileNode *node);
+
+    /// The path elements joined.
+    static QString path(const FileNode *node);
+    static std::vector<FileNode *> children(const FileNode *node);
+
+    /// Adds rows at the end.
+    void appendRows(FileNode *parent, const std::vector<FileNode *> &nodes);
+    static void removeRows(FileNode *parent, int first, int last);
+
+    /// Takes the rows from `row` on for out of order.
+    void markDirty(FileNode *parent, int row);
+    bool hasDirty() const { return !m_dirty.isEmpty(); }
+
+    /// The nodes with rows out of order, which are looked after then.
+    std::vector<FileNode *> takeDirty();
+
+    /// Sets all rows anew: `rows` has the children to be shown, in order.
+    static void setRows(FileNode *parent, std::vector<FileNode *> rows);
+
+    /// Whether the node is in the tree and it and all above it have rows.
+    bool isShown(const FileNode *node) const;
+
+    /// While one lives, removed nodes can still be looked at: receivers of signals may remove nodes
+    /// that the sender has in hand.
+    class Keeper
+    {
+    public:
+        explicit Keeper(FileTree &tree)
+            : m_tree(tree)
+        {
+            ++m_tree.m_keepers;
+        }
+        ~Keeper();
+        Keeper(const Keeper &) = delete;
+        Keeper &operator=(const Keeper &) = delete;
+
+    private:
+        FileTree &m_tree;
+    };
+
+private:
+    QString compareKey(const FileNode *parent, const QString &name) const;
+    static FileDirectory &directoryOf(FileNode *node);
+    void markRemoved(FileNode *node);
+
+    const std::unique_ptr<FileNode> m_root;
+    std::vector<std::unique_ptr<FileNode>> m_removed; // and to be deleted
+    QSet<FileNode *> m_dirty; // with rows out of order
+    int m_keepers = 0;
+};

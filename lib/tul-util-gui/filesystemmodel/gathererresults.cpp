@@ -1,0 +1,205 @@
+#include "gathererresults_p.h"
+
+#include "filesystempaths_p.h"
+#include "remotefilesystemmodel_p.h"
+
+#include <QElapsedTimer>
+#include <QPointer>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace
+{
+
+const int sliceLength = 8; // milliseconds; a frame of a moving picture has 16
+const int timeCheck = 64; // files between two looks at the clock
+
+/// The permissions that come with a file's status. Those of the user in person would cost a call
+/// each on this machine's file systems.
+QFileDevice::Permissions statusPermissions(const QFileInfo &info)
+{
+    QFileDevice::Permissions permissions;
+    for (const QFileDevice::Permission permission :
+         {QFileDevice::ReadOwner, QFileDevice::WriteOwner, QFileDevice::ExeOwner,
+          QFileDevice::ReadGroup, QFileDevice::WriteGroup, QFileDevice::ExeGroup,
+          QFileDevice::ReadOther, QFileDevice::WriteOther, QFileDevice::ExeOther})
+        permissions.setFlag(permission, info.permission(permission));
+    return permissions;
+}
+
+bool isSame(const RemoteExtendedInformation &a, const RemoteExtendedInformation &b)
+{
+    return a.type() == b.type() && a.size() == b.size() && a.isSymLink() == b.isSymLink()
+        && a.mFileInfo.isHidden() == b.mFileInfo.isHidden()
+        && statusPermissions(a.mFileInfo) == statusPermissions(b.mFileInfo)
+        && a.lastModified() == b.lastModified();
+}
+
+} // namespace
+
+struct GathererResults::Changes {
+    std::vector<FileNode *> appearing;
+    std::vector<FileNode *> vanishing;
+    std::vector<FileNode *> removed; // among them such without rows
+    std::vector<FileNode *> changed;
+    bool changesKind = false; // of some: a file has become a directory or the other way round
+};
+
+void GathererResults::addList(const QString &directory, const QStringList &names)
+{
+    add({Result::List, directory, names, {}});
+}
+
+void GathererResults::addUpdates(const QString &directory, const Updates &updates)
+{
+    add({Result::Files, directory, {}, updates});
+}
+
+void GathererResults::addLoaded(const QString &directory)
+{
+    add({Result::Loaded, directory, {}, {}});
+}
+
+void GathererResults::add(const Result &result)
+{
+    m_results.push_back(result);
+    // With a slice still to come, the order asks for waiting.
+    if (!m_sliceTimer.isActive())
+        workSlice();
+}
+
+void GathererResults::timeOut(int timerId)
+{
+    if (timerId != m_sliceTimer.timerId())
+        return;
+    m_sliceTimer.stop();
+    workSlice();
+}
+
+void GathererResults::workSlice()
+{
+    QElapsedTimer sliceTime;
+    sliceTime.start();
+    const QPointer<RemoteFileSystemModel> guard(m_model.q);
+    while (!m_results.empty()) {
+        Result &result = m_results.front();
+        if (result.kind == Result::Files && result.next < result.updates.size()) {
+            applyUpdates(result, sliceTime);
+        } else {
+            // Taken out first: a receiver of the signals may run an event loop.
+            const Result whole = std::move(result);
+            m_results.pop_front();
+            if (whole.kind == Result::List)
+                applyList(whole.directory, whole.names);
+            else if (whole.kind == Result::Loaded)
+                Q_EMIT m_model.q->directoryLoaded(whole.directory);
+        }
+        if (!guard)
+            return;
+        if (!m_results.empty() && sliceTime.hasExpired(sliceLength)) {
+            m_sliceTimer.start(0, m_model.q);
+            return;
+        }
+    }
+    m_model.sortSoon();
+}
+
+/// Removes the nodes whose names are not in the list of a directory any more.
+void GathererResults::applyList(const QString &directory, const QStringList &names)
+{
+    const FileTree::Keeper keeper(m_model.tree);
+    FileNode *const parent = m_model.tree.findPath(directory);
+    if (!parent || parent == m_model.tree.root() || !parent->directory)
+        return;
+    for (const QString &name : names) {
+        if (FileNode *const node = m_model.tree.find(parent, name))
+            node->isListed = true;
+    }
+    std::vector<FileNode *> missing;
+    for (FileNode *const node : std::as_const(parent->directory->children)) {
+        if (std::exchange(node->isListed, false))
+            continue;
+        // What was asked for by its path may exist without being listed.
+        if (!node->bypassesFilters || !QFileInfo::exists(m_model.requestPath(node)))
+            missing.push_back(node);
+    }
+    m_model.removeNodes(parent, missing);
+}
+
+void GathererResults::applyUpdates(Result &result, const QElapsedTimer &sliceTime)
+{
+    const FileTree::Keeper keeper(m_model.tree);
+    FileNode *const parent = m_model.tree.findPath(result.directory);
+    if (!parent) { // gone since it was asked for
+        result.next = result.updates.size();
+        return;
+    }
+    Changes changes;
+    int done = 0;
+    while (result.next < result.updates.size()) {
+        const QPair<QString, QFileInfo> &file = result.updates.at(result.next);
+        ++result.next;
+        applyFile(parent, file.first, file.second, changes);
+        ++done;
+        if (done % timeCheck == 0 && sliceTime.hasExpired(sliceLength))
+            break;
+    }
+    const bool isPart = result.next < result.updates.size();
+    announce(parent, changes);
+    if (isPart && !parent->isRemoved)
+        m_model.sortAhead(parent);
+}
+
+void GathererResults::applyFile(FileNode *parent, const QString &reportedName,
+                                const QFileInfo &info, Changes &changes)
+{
+    const bool isTop = parent == m_model.tree.root();
+    QString name = reportedName;
+    if (isTop && name.size() > 1 && name.endsWith(QLatin1Char('/')))
+        name.chop(1); // a drive is an element like others
+    if (name.isEmpty() || (!isTop && name.contains(QLatin1Char('/'))))
+        return; // could not be found again by its path
+
+    FileNode *node = m_model.tree.find(parent, name);
+    if (!info.exists() && !info.isSymLink()) {
+        if (node)
+            changes.removed.push_back(node);
+        return;
+    }
+    if (!node) {
+        node = m_model.tree.add(parent, name);
+        m_model.setInfo(node, info);
+        if (m_model.filter.accepts(*node))
+            changes.appearing.push_back(node);
+        return;
+    }
+    const RemoteExtendedInformation fresh(info);
+    const bool isChanged = !node->hasInfo || !isSame(node->record, fresh);
+    if (node->isDirectory() != info.isDir())
+        changes.changesKind = true;
+    if (isChanged)
+        m_model.setInfo(node, info);
+    else
+        node->record.mFileInfo = info; // may know more by heart
+    const bool isAccepted = m_model.filter.accepts(*node);
+    if (isAccepted && !node->isVisible())
+        changes.appearing.push_back(node);
+    else if (!isAccepted && node->isVisible())
+        changes.vanishing.push_back(node);
+    else if (isAccepted && isChanged)
+        changes.changed.push_back(node);
+}
+
+void GathererResults::announce(FileNode *parent, const Changes &changes)
+{
+    if (!changes.removed.empty())
+        m_model.removeNodes(parent, changes.removed);
+    if (!changes.vanishing.empty())
+        m_model.hideNodes(parent, changes.vanishing);
+    if (!changes.changed.empty())
+        m_model.announceChanged(parent, changes.changed, changes.changesKind);
+    if (!changes.appearing.empty())
+        m_model.showNodes(parent, changes.appearing);
+}

@@ -1,0 +1,3 @@
+#include <tul-util-gui/filesystemmodel/remotefileinfogathererhandler.h>
+
+RemoteFileInfoGathererHandler::~RemoteFileInfoGathererHandler() = default;
