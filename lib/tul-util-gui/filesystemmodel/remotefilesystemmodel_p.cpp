@@ -89,11 +89,18 @@ FileNode *RemoteFileSystemModelPrivate::node(const QString &path, bool fetch)
     const FileTree::Keeper keeper(tree);
     FileNode *found = root;
     QString elementPath;
+    bool isKnown = false; // that the path exists
     const QStringList elements = tul::splitPath(absolutePath);
     for (int i = 0; i < elements.size(); ++i) {
         if (i > 0)
             elementPath += QLatin1Char('/');
         elementPath += elements.at(i);
+        // Nothing is made on the way to what does not exist.
+        if (!isKnown && !tree.find(found, elements.at(i))) {
+            if (!QFileInfo::exists(tul::requestPath(absolutePath)))
+                return root;
+            isKnown = true;
+        }
         found = child(found, elements.at(i), elementPath, fetch);
         if (!found)
             return root;
