@@ -153,6 +153,7 @@ private Q_SLOTS:
     void persistentIndexesFollowTheirFiles();
     void changesAreAnnouncedInRuns();
     void aFileThatBecomesADirectoryMovesUp();
+    void permissionsAskedForMustBeThere();
     void manyScatteredRowsVanishTogether();
     void hugeBatchesArriveInSlicesBeforeTheEnd();
     void strangeReportsAreSurvived();
@@ -660,6 +661,18 @@ void tst_RemoteFileSystemModel::aFileThatBecomesADirectoryMovesUp()
     f.make(QStringLiteral("b/"));
     f.report(words("b"));
     QTRY_COMPARE(f.rows(), QStringLiteral("b a"));
+}
+
+void tst_RemoteFileSystemModel::permissionsAskedForMustBeThere()
+{
+    Fixture f("a b d/");
+    QVERIFY(QFile::setPermissions(f.folder.local(QStringLiteral("b")),
+                                  QFileDevice::Permissions(0x7700)));
+    f.model->setFilter(f.model->filter() | QDir::Executable);
+    QVERIFY(f.show());
+    QCOMPARE(f.rows(), QStringLiteral("d b"));
+    f.model->setFilter(f.model->filter() | QDir::Readable | QDir::Writable); // all are none
+    QTRY_COMPARE(f.rows(), QStringLiteral("d a b"));
 }
 
 void tst_RemoteFileSystemModel::manyScatteredRowsVanishTogether()

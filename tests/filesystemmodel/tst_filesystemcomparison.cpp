@@ -1,0 +1,180 @@
+#include <support/testcase.h>
+#include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileSystemModel>
+#include <QLocale>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+namespace
+{
+
+// What a model shows of a folder: one line a row, without what differs by design. That is the text
+// of the size, -1 for the size of what is missing, and a flag by which the toolkit marks files. The
+// filters do without single permissions, by which the toolkit hides whatever has others too.
+template<typename Model> QStringList picture(const Model &model, const QString &folder)
+{
+    const QModelIndex parent = model.index(folder);
+    QStringList lines;
+    for (int row = 0; row < model.rowCount(parent); ++row) {
+        const QModelIndex index = model.index(row, 0, parent);
+        QStringList cells{QStringLiteral("\n") + index.data().toString()};
+        cells += index.siblingAtColumn(2).data().toString();
+        cells += index.siblingAtColumn(3).data().toString();
+        for (int column = 0; column < 4; ++column) {
+            const QModelIndex cell = index.siblingAtColumn(column);
+            cells += QString::number(int(cell.flags() & ~Qt::ItemNeverHasChildren));
+        }
+        cells += QString::number(qMax(qint64(0), model.size(index)));
+        cells += QString::number(index.data(QFileSystemModel::FilePermissions).toInt());
+        cells += model.isDir(index) ? QStringLiteral("dir") : QString();
+        lines += cells.join(QLatin1Char('|'));
+    }
+    return lines;
+}
+
+} // namespace
+
+/// The model beside the toolkit's, on the same folder of this machine.
+class tst_FileSystemComparison : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void bothShowTheSame_data();
+    void bothShowTheSame();
+
+private:
+    void make(const QString &name, int size, int daysAgo) const;
+    void changeTheDisk() const;
+    template<typename Model> void prepare(Model &model) const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void tst_FileSystemComparison::initTestCase()
+{
+    // One that knows numbers in names.
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+}
+
+void tst_FileSystemComparison::make(const QString &name, int size, int daysAgo) const
+{
+    QFile file(m_folder->filePath(name));
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.resize(size));
+    const QDateTime now = QDateTime::currentDateTime();
+    QVERIFY(file.setFileTime(now.addDays(-daysAgo), QFileDevice::FileModificationTime));
+}
+
+void tst_FileSystemComparison::changeTheDisk() const
+{
+    QDir dir(m_folder->path());
+    QVERIFY(dir.remove(QStringLiteral("a2.txt")));
+    QVERIFY(dir.rename(QStringLiteral("sub"), QStringLiteral("moved")));
+    QVERIFY(dir.mkdir(QStringLiteral("added")));
+    make(QStringLiteral("c.cpp"), 5000, 10);
+    make(QStringLiteral("new.txt"), 7, 3);
+    QVERIFY(QFile::setPermissions(dir.filePath(QStringLiteral("b.h")), QFileDevice::ReadOwner));
+}
+
+template<typename Model> void tst_FileSystemComparison::prepare(Model &model) const
+{
+    QFETCH(int, filters);
+    QFETCH(QStringList, names);
+    QFETCH(bool, disables);
+    QFETCH(int, column);
+    QFETCH(bool, descending);
+    model.setResolveSymlinks(false);
+    model.setFilter(QDir::Filters(filters));
+    model.setNameFilters(names);
+    model.setNameFilterDisables(disables);
+    model.setReadOnly(descending); // as good as any
+    model.setRootPath(m_folder->path());
+    model.sort(column, descending ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
+void tst_FileSystemComparison::bothShowTheSame_data()
+{
+    QTest::addColumn<int>("filters");
+    QTest::addColumn<QStringList>("names");
+    QTest::addColumn<bool>("disables");
+    QTest::addColumn<int>("column");
+    QTest::addColumn<bool>("descending");
+
+    const QDir::Filters usual = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::AllDirs;
+    const QStringList none;
+    const QStringList sources{QStringLiteral("*.CPP"), QStringLiteral("[ab]*")};
+    const auto row = [](const char *name, QDir::Filters filters, const QStringList &names,
+                        bool disables = true, int column = 0, bool descending = false) {
+        QTest::newRow(name) << int(filters) << names << disables << column << descending;
+    };
+    row("usual", usual, none);
+    row("by name, descending", usual, none, true, 0, true);
+    row("by size", usual, none, true, 1);
+    row("by size, descending", usual, none, true, 1, true);
+    row("by type", usual, none, true, 2);
+    row("by type, descending", usual, none, true, 2, true);
+    row("by date", usual, none, true, 3);
+    row("by date, descending", usual, none, true, 3, true);
+    row("all there is", QDir::AllEntries | QDir::Hidden | QDir::System, none);
+    row("no dot", QDir::AllEntries | QDir::Hidden | QDir::NoDot, none);
+    row("directories", QDir::Dirs | QDir::NoDotAndDotDot, none);
+    row("files", QDir::Files, none);
+    row("system", QDir::System, none);
+    row("no links", usual | QDir::NoSymLinks, none);
+    row("all permissions", usual | QDir::PermissionMask, none);
+    row("names grey", usual, sources);
+    row("names hide", usual, sources, false);
+    row("names hide directories", QDir::AllEntries | QDir::NoDotAndDotDot, sources, false);
+    row("names by case", usual | QDir::CaseSensitive, sources, false);
+}
+
+void tst_FileSystemComparison::bothShowTheSame()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QStringList names{QStringLiteral("a10.txt"), QStringLiteral("a2.txt"),
+                      QStringLiteral("B.TXT"),   QStringLiteral("b.h"),
+                      QStringLiteral("c.cpp"),   QStringLiteral(".hidden"),
+                      QStringLiteral("_x"),      QStringLiteral("ab-c"),
+                      QStringLiteral("abd"),     QString::fromUtf8("\xc3\xa4.txt"),
+                      QStringLiteral("noext"),   QStringLiteral("tool.sh")};
+    int number = 0;
+    for (const QString &name : qAsConst(names)) {
+        ++number;
+        make(name, (number * 977) % 3000, (number * 7) % 12 * 10);
+    }
+    const QDir dir(m_folder->path());
+    QVERIFY(QFile::setPermissions(dir.filePath(QStringLiteral("tool.sh")),
+                                  QFileDevice::Permissions(0x7755)));
+    for (const char *const sub : {"sub", "Dir10", "dir9", ".cache"})
+        QVERIFY(dir.mkdir(QString::fromLatin1(sub)));
+    QVERIFY(QFile::link(dir.filePath(QStringLiteral("abd")), dir.filePath(QStringLiteral("link"))));
+    QVERIFY(
+        QFile::link(dir.filePath(QStringLiteral("dir9")), dir.filePath(QStringLiteral("dirlink"))));
+    QVERIFY(QFile::link(QStringLiteral("/none"), dir.filePath(QStringLiteral("broken"))));
+
+    QFileSystemModel theirs;
+    RemoteFileSystemModel ours;
+    const QSignalSpy theirsLoaded(&theirs, &QFileSystemModel::directoryLoaded);
+    const QSignalSpy oursLoaded(&ours, &RemoteFileSystemModel::directoryLoaded);
+    prepare(theirs);
+    prepare(ours);
+    QTRY_VERIFY(!theirsLoaded.isEmpty() && !oursLoaded.isEmpty());
+    QTRY_COMPARE(picture(ours, dir.path()), picture(theirs, dir.path()));
+    const QStringList before = picture(theirs, dir.path());
+    QVERIFY(!before.isEmpty());
+    changeTheDisk();
+    QTRY_VERIFY(picture(theirs, dir.path()) != before);
+    QTRY_COMPARE(picture(ours, dir.path()), picture(theirs, dir.path()));
+}
+
+QTEST_MAIN(tst_FileSystemComparison)
+
+#include "tst_filesystemcomparison.moc"
