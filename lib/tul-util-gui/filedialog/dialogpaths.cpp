@@ -1,0 +1,116 @@
+#include <tul-util-gui/filedialog/dialogpaths_p.h>
+
+#include <QDir>
+
+namespace tul
+{
+
+namespace
+{
+
+constexpr QLatin1Char slash('/');
+constexpr QLatin1Char quote('"');
+
+#ifdef Q_OS_WIN
+constexpr bool doubleSlashNamesAHost = true;
+#else
+constexpr bool doubleSlashNamesAHost = false;
+#endif
+
+/// Whether what stands before the first slash is a root: a prefix or a drive. Without a file engine
+/// the toolkit takes a prefixed path for a relative one, so the colon counts as well.
+bool hasRootElement(const QString &path)
+{
+    return path.leftRef(path.indexOf(slash)).contains(QLatin1Char(':'))
+        || QDir::isAbsolutePath(path);
+}
+
+} // namespace
+
+QStringList splitPath(const QString &path)
+{
+    QStringList elements = path.split(slash, Qt::SkipEmptyParts);
+    if (path.startsWith(slash))
+        elements.prepend(QString(slash));
+    return elements;
+}
+
+QString joinElements(const QStringList &elements)
+{
+    return elements.join(slash);
+}
+
+QString toDialogPath(const QString &path)
+{
+    return !doubleSlashNamesAHost && path.startsWith(QLatin1String("//")) ? path.mid(1) : path;
+}
+
+QString parentPath(const QString &path)
+{
+    QStringList elements = splitPath(path);
+    if (elements.size() <= 1)
+        return {};
+    elements.removeLast();
+    const QString &root = elements.constFirst();
+    // A drive without its slash is the working directory there.
+    if (elements.size() == 1 && root.size() == 2 && root.endsWith(QLatin1Char(':')))
+        return root + slash;
+    return toDialogPath(joinElements(elements));
+}
+
+QString cleanDialogPath(const QString &path)
+{
+    const QString given = QDir::fromNativeSeparators(path);
+    const bool host = doubleSlashNamesAHost && given.startsWith(QLatin1String("//"));
+    if (given.isEmpty() || host || (!given.startsWith(slash) && !hasRootElement(given)))
+        return QDir::cleanPath(given);
+
+    const QStringList elements = splitPath(given);
+    QStringList kept;
+    for (int i = 1; i < elements.size(); ++i) {
+        if (elements.at(i) != QLatin1String(".."))
+            kept.append(elements.at(i));
+        else if (!kept.isEmpty())
+            kept.removeLast();
+        if (!kept.isEmpty() && kept.constLast() == QLatin1String("."))
+            kept.removeLast();
+    }
+    return QDir::cleanPath(joinSlash(elements.constFirst(), joinElements(kept)));
+}
+
+QString lastElement(const QString &path)
+{
+    const QStringList elements = splitPath(path);
+    return elements.isEmpty() ? QString() : elements.constLast();
+}
+
+QString joinSlash(const QString &directory, const QString &name)
+{
+    return directory.isEmpty() || directory.endsWith(slash) ? directory + name
+                                                            : directory + slash + name;
+}
+
+QStringList splitFileNames(const QString &text)
+{
+    if (!text.contains(quote))
+        return text.isEmpty() ? QStringList() : QStringList{text};
+    const QStringList pieces = text.split(quote);
+    QStringList names;
+    for (int i = 1; i < pieces.size(); i += 2) {
+        if (!pieces.at(i).isEmpty())
+            names.append(pieces.at(i));
+    }
+    return names;
+}
+
+QString joinFileNames(const QStringList &names)
+{
+    if (names.size() == 1)
+        return names.constFirst();
+    QStringList quoted;
+    for (const QString &name : names)
+        quoted.append(quote + name + quote);
+    return quoted.join(QLatin1Char(' '));
+}
+
+} // namespace tul

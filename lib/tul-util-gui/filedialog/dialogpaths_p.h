@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// Pure functions on the paths of a file dialog, which may be local or carry the prefix of a remote
+// machine: "/usr/lib", "C:/Users" or "remote:/home". What QDir does with such paths ends at their
+// first element, which these functions take for the root that it is.
+namespace tul
+{
+
+/// The elements of a path, empty ones dropped; a leading "/" is an element by itself. "/usr/lib" is
+/// "/", "usr", "lib", and "remote:/home" is "remote:", "home".
+QStringList splitPath(const QString &path);
+
+/// The elements with "/" between them, and so, as the file system model has it, "//usr/lib".
+QString joinElements(const QStringList &elements);
+
+/// The path as the dialog tells it to others: "/usr/lib" where the model says "//usr/lib". On
+/// Windows such a path names a host and stays.
+QString toDialogPath(const QString &path);
+
+/// The directory above, by the elements alone; empty above the first one.
+QString parentPath(const QString &path);
+
+/// The path without ".", ".." and empty elements, as QDir::cleanPath() gives it, except that ".."
+/// never leads out of "/" or of the first element of another absolute path. The root of a remote
+/// machine is the bare prefix.
+QString cleanDialogPath(const QString &path);
+
+/// The last element, whether or not "/" follows it; empty for an empty path.
+QString lastElement(const QString &path);
+
+/// The path of an entry of a directory; the name alone when the directory is empty.
+QString joinSlash(const QString &directory, const QString &name);
+
+/// The names in the line edit: those in quotes when there are any, else the whole text as one name.
+/// The last quote may be missing, and what stands outside of quotes is no name.
+QStringList splitFileNames(const QString &text);
+
+/// The text of the line edit for some names: one as it is, several in quotes.
+QString joinFileNames(const QStringList &names);
+
+} // namespace tul
