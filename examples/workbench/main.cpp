@@ -1,5 +1,6 @@
 #include <workbench/mainwindow.h>
 #include <workbench/page.h>
+#include <workbench/remotefolder.h>
 #include <workbench/screenshots.h>
 
 #include <QApplication>
@@ -48,6 +49,11 @@ int main(int argc, char *argv[])
         QStringLiteral("Write a picture of each page into <directory> and quit."),
         QStringLiteral("directory"));
     parser.addOption(screenshots);
+    const QCommandLineOption remoteFolder(
+        QStringLiteral("remote-folder"),
+        QStringLiteral("Take <directory> for the remote machine; some sample files without it."),
+        QStringLiteral("directory"));
+    parser.addOption(remoteFolder);
     parser.process(application);
 
     QStringList arguments = parser.positionalArguments();
@@ -55,6 +61,10 @@ int main(int argc, char *argv[])
         return wrongUsage(QStringLiteral("more than a file and a dataset; try --help"));
     if (arguments.isEmpty())
         arguments.append(QStringLiteral(WORKBENCH_SAMPLE_FILE));
+
+    const RemoteFolder remote(parser.value(remoteFolder));
+    if (!remote.fault().isEmpty())
+        return wrongUsage(remote.fault());
 
     const bool forPictures = parser.isSet(screenshots);
     const bool unattended = forPictures

@@ -1,9 +1,11 @@
 #include <workbench/arraypage.h>
+#include <workbench/filespage.h>
 #include <workbench/pages.h>
 
 QVector<WorkbenchPage *> createPages(QWidget *parent)
 {
     return {
         new ArrayPage(parent),
+        new FilesPage(parent),
     };
 }

@@ -73,8 +73,8 @@ void TestNameFilters::filtersGivePatternsNameAndSuffix()
     const QString filter = QString::fromLatin1(QTest::currentDataTag());
     QCOMPARE(tul::patternsOfFilter(filter).join(QLatin1Char('|')), patterns);
     QCOMPARE(tul::filterWithoutDetails(filter), name);
-    QCOMPARE(tul::defaultSuffixOfFilter(filter), suffix);
-    QCOMPARE(tul::defaultSuffixOfFilter(filter).isNull(), suffix.isNull()); // null: add no dot
+    QCOMPARE(tul::defaultSuffix(filter), suffix);
+    QCOMPARE(tul::defaultSuffix(filter).isNull(), suffix.isNull()); // null: add no dot
 }
 
 QTEST_GUILESS_MAIN(TestNameFilters)

@@ -42,7 +42,7 @@ QString filterWithoutDetails(const QString &filter)
     return name.isEmpty() ? filter : name;
 }
 
-QString defaultSuffixOfFilter(const QString &filter)
+QString defaultSuffix(const QString &filter)
 {
     const QString single = filter.trimmed();
     const int begin = detailsBegin(single);

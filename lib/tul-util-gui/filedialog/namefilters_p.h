@@ -22,6 +22,6 @@ QString filterWithoutDetails(const QString &filter);
 /// The suffix, without a dot, that a file saved with this filter gets by default: that of its first
 /// pattern. Null when there are several filters to choose from, or no suffix that is the same for
 /// all files.
-QString defaultSuffixOfFilter(const QString &filter);
+QString defaultSuffix(const QString &filter);
 
 } // namespace tul
