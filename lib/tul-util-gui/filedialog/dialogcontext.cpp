@@ -1,0 +1,106 @@
+#include <tul-util-gui/filedialog/dialogcontext_p.h>
+#include <tul-util-gui/filedialog/dialogpaths_p.h>
+#include <tul-util-gui/filedialog/dialogviews_p.h>
+#include <tul-util-gui/filedialog/remotefiledialogbase.h>
+#include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
+
+#include <QFileInfo>
+#include <QItemSelectionModel>
+#include <QStackedWidget>
+
+#include <algorithm>
+
+QAbstractItemModel *DialogContext::viewModel() const
+{
+    if (proxy)
+        return proxy;
+    return model;
+}
+
+QModelIndex DialogContext::toModel(const QModelIndex &index) const
+{
+    if (proxy && index.model() == proxy)
+        return proxy->mapToSource(index);
+    return index.model() == model ? index : QModelIndex();
+}
+
+QModelIndex DialogContext::toView(const QModelIndex &index) const
+{
+    if (index.model() != model)
+        return {};
+    return proxy ? proxy->mapFromSource(index) : index;
+}
+
+QAbstractItemView *DialogContext::view() const
+{
+    if (ui.stackedWidget->currentIndex() == 0)
+        return ui.listView;
+    return ui.treeView;
+}
+
+QItemSelectionModel *DialogContext::selection() const
+{
+    return ui.listView->selectionModel();
+}
+
+QString DialogContext::rootPath() const
+{
+    const QString path = tul::toDialogPath(model->rootPath());
+    return path == QLatin1String(".") ? QString() : path;
+}
+
+QModelIndex DialogContext::rootIndex() const
+{
+    const QString path = rootPath();
+    return path.isEmpty() ? QModelIndex() : model->index(path);
+}
+
+QString DialogContext::path(const QModelIndex &modelIndex) const
+{
+    return tul::toDialogPath(model->filePath(modelIndex));
+}
+
+QModelIndex DialogContext::shownEntry(const QString &path) const
+{
+    if (listing || path.isEmpty() || tul::parentPath(path) != rootPath())
+        return {};
+    return model->index(path);
+}
+
+QStringList DialogContext::selectedPaths() const
+{
+    QModelIndexList rows = selection()->selectedRows();
+    std::sort(rows.begin(), rows.end());
+    QStringList paths;
+    for (const QModelIndex &row : qAsConst(rows))
+        paths.append(path(toModel(row)));
+    return paths;
+}
+
+tul::FileKind DialogContext::kindOf(const QString &path) const
+{
+    const QModelIndex entry = shownEntry(path);
+    if (entry.isValid())
+        return model->isDir(entry) ? tul::FileKind::Directory : tul::FileKind::File;
+    const QFileInfo info(path);
+    if (info.isDir())
+        return tul::FileKind::Directory;
+    return info.exists() ? tul::FileKind::File : tul::FileKind::Missing;
+}
+
+QMessageBox::StandardButton DialogContext::warn(const QString &title, const QString &text,
+                                                QMessageBox::StandardButtons buttons,
+                                                QMessageBox::StandardButton defaultButton) const
+{
+    // On the heap: a dialog that is deleted meanwhile takes the box along.
+    const QPointer<QMessageBox> box
+        = new QMessageBox(QMessageBox::Warning, title, text, buttons, dialog);
+    box->setTextFormat(Qt::PlainText);
+    box->setDefaultButton(defaultButton);
+    box->exec();
+    if (!box)
+        return QMessageBox::NoButton;
+    const auto answer = box->standardButton(box->clickedButton());
+    delete box;
+    return answer;
+}

@@ -1,0 +1,271 @@
+#include <tul-util-gui/filedialog/dialogcontext_p.h>
+#include <tul-util-gui/filedialog/dialognavigation_p.h>
+#include <tul-util-gui/filedialog/dialogpaths_p.h>
+#include <tul-util-gui/filedialog/dialogviews_p.h>
+#include <tul-util-gui/filedialog/remotefiledialogbase.h>
+#include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
+#include <tul-util-gui/filesystemmodel/remotesidebar.h>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QItemSelectionModel>
+#include <QSignalBlocker>
+#include <QStandardItemModel>
+#include <QToolButton>
+
+namespace
+{
+
+bool isDirectory(const QString &path)
+{
+    return !path.isEmpty() && QFileInfo(path).isDir();
+}
+
+QString absolute(const QString &path)
+{
+    const QString cleaned = tul::cleanDialogPath(path);
+    return QDir::isAbsolutePath(cleaned) ? cleaned : tul::cleanDialogPath(QDir().filePath(cleaned));
+}
+
+} // namespace
+
+QString &DialogNavigation::lastVisitedDirectory()
+{
+    static QString directory;
+    return directory;
+}
+
+QString DialogNavigation::workingDirectory(const QString &directory)
+{
+    if (!directory.isEmpty()) {
+        const QString path = absolute(directory);
+        if (isDirectory(path))
+            return path;
+        const QString parent = tul::parentPath(path);
+        if (isDirectory(parent))
+            return parent;
+    }
+    const QString last = lastVisitedDirectory();
+    return isDirectory(last) ? last : QDir::currentPath();
+}
+
+QString DialogNavigation::initialSelection(const QString &directory)
+{
+    if (directory.isEmpty() || isDirectory(absolute(directory)))
+        return {};
+    return tul::lastElement(directory);
+}
+
+bool DialogNavigation::goTo(const QString &path)
+{
+    RemoteFileSystemModel *const model = m_context->model;
+    const bool toDrives = path.isEmpty() || path == model->myComputer().toString();
+    const QString target = toDrives ? QString() : tul::cleanDialogPath(path);
+    if (target == m_context->rootPath())
+        return true;
+    if (!toDrives && m_context->kindOf(target) != tul::FileKind::Directory)
+        return false;
+    m_history.setSelected(m_context->selectedPaths());
+    // Before the model changes, as slots that hear of it may delete the dialog and so the model.
+    const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
+    m_context->selection()->clear();
+    if (!guard)
+        return false;
+    model->setRootPath(target);
+    return m_context->rootPath() == target;
+}
+
+void DialogNavigation::enter(const QString &path)
+{
+    if (goTo(path))
+        announceEntered(m_context->rootPath());
+}
+
+void DialogNavigation::announceEntered(const QString &name)
+{
+    Q_EMIT m_context->dialog->directoryEntered(name);
+}
+
+void DialogNavigation::step(int by)
+{
+    const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
+    while (by < 0 ? m_history.canGoBack() : m_history.canGoForward()) {
+        m_history.setSelected(m_context->selectedPaths());
+        m_history.step(by);
+        const NavigationHistory::Place place = m_history.current();
+        const bool gone = !goTo(place.path);
+        if (!guard)
+            return;
+        if (gone) {
+            m_history.dropAfterStep(by);
+            continue;
+        }
+        for (const QString &path : place.selected) {
+            const QModelIndex row = m_context->toView(m_context->model->index(path));
+            if (row.isValid())
+                m_context->selection()->select(row, QItemSelectionModel::Select
+                                                        | QItemSelectionModel::Rows);
+        }
+        break;
+    }
+    updateButtons();
+}
+
+void DialogNavigation::goToParent()
+{
+    QString path = m_context->rootPath();
+    if (path.isEmpty())
+        return;
+    const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
+    // A directory that was removed leads to what is left above it.
+    do {
+        path = tul::parentPath(path);
+    } while (!goTo(path) && guard);
+    if (guard)
+        announceEntered(path.isEmpty() ? m_context->model->myComputer().toString() : path);
+}
+
+void DialogNavigation::goHome()
+{
+    enter(m_context->dialog->tildeExpansion(QStringLiteral("~")));
+}
+
+void DialogNavigation::goToPlace(const QUrl &url)
+{
+    enter(url.toLocalFile());
+}
+
+void DialogNavigation::goToEntry(const QString &path)
+{
+    const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
+    enter(path);
+    // The box shows the entry by now, wherever the dialog is.
+    if (guard)
+        showLookInText();
+}
+
+void DialogNavigation::goToTyped(const QString &text)
+{
+    if (text.isEmpty() || text == m_context->model->myComputer().toString()) {
+        goToEntry(text.isEmpty() ? m_context->rootPath() : text);
+        return;
+    }
+    bool expanded = false;
+    QString path = m_context->dialog->tildeExpansion(text, &expanded);
+    if (!expanded && path.startsWith(QLatin1Char('/')))
+        path = tul::joinElements(tul::splitPath(m_context->rootPath()).mid(0, 1)) + path;
+    else if (!expanded && !QDir::isAbsolutePath(path))
+        path = tul::joinSlash(m_context->rootPath(), path);
+    goToEntry(tul::toDialogPath(path));
+}
+
+void DialogNavigation::rootChanged()
+{
+    const QString path = m_context->rootPath();
+    const QModelIndex root = m_context->toView(m_context->rootIndex());
+    // The model lists a directory again only after it was the root.
+    m_listed.remove(m_root);
+    m_root = path;
+    setListing(!path.isEmpty() && !m_listed.contains(path));
+    m_context->ui.listView->setRootIndex(root);
+    m_context->ui.treeView->setRootIndex(root);
+    m_context->ui.sidebar->selectUrl(QUrl::fromLocalFile(path));
+    m_history.visit(path);
+    updateButtons();
+    showLookInText();
+    if (m_started && !path.isEmpty())
+        lastVisitedDirectory() = path;
+    m_context->selection()->clear(); // for a root that was not changed here; slots hear of it
+}
+
+void DialogNavigation::listed(const QString &path)
+{
+    const QString directory = tul::toDialogPath(path);
+    m_listed.insert(directory);
+    if (directory == m_context->rootPath())
+        setListing(false);
+}
+
+void DialogNavigation::start()
+{
+    m_started = true;
+    m_history.restart();
+    if (!m_context->rootPath().isEmpty())
+        lastVisitedDirectory() = m_context->rootPath();
+    updateButtons();
+}
+
+void DialogNavigation::setListing(bool listing)
+{
+    m_context->listing = listing;
+    for (QAbstractItemView *const view :
+         {static_cast<QAbstractItemView *>(m_context->ui.listView),
+          static_cast<QAbstractItemView *>(m_context->ui.treeView)}) {
+        if (listing)
+            view->viewport()->setCursor(Qt::BusyCursor);
+        else
+            view->viewport()->unsetCursor();
+    }
+    updateNote();
+}
+
+void DialogNavigation::updateNote()
+{
+    QString note;
+    if (!m_context->listing && !m_context->rootPath().isEmpty()) {
+        const QModelIndex root = m_context->rootIndex();
+        if (m_context->model->rowCount(root) == 0 && !QFileInfo(m_context->rootPath()).isReadable())
+            note = RemoteFileDialogBase::tr("This directory cannot be read.");
+    }
+    m_context->ui.listView->setNote(note);
+    m_context->ui.treeView->setNote(note);
+}
+
+void DialogNavigation::updateButtons()
+{
+    const DialogWidgets &ui = m_context->ui;
+    const bool isDrives = m_context->rootPath().isEmpty();
+    ui.backButton->setEnabled(m_history.canGoBack());
+    ui.forwardButton->setEnabled(m_history.canGoForward());
+    ui.toParentButton->setEnabled(!isDrives);
+    ui.newFolderAction->setEnabled(!isDrives && !m_context->isReadOnly());
+    ui.newFolderButton->setEnabled(ui.newFolderAction->isEnabled());
+}
+
+void DialogNavigation::showLookInText()
+{
+    QComboBox *const box = m_context->ui.lookInCombo;
+    const QSignalBlocker blocker(box);
+    const QString path = m_context->rootPath();
+    const RemoteFileSystemModel *const model = m_context->model;
+    const QIcon icon = path.isEmpty() ? model->myComputer(Qt::DecorationRole).value<QIcon>()
+                                      : model->fileIcon(m_context->rootIndex());
+    box->clear();
+    box->addItem(icon, path.isEmpty() ? model->myComputer().toString() : path);
+    box->setCurrentIndex(0);
+}
+
+void DialogNavigation::fillLookInBox()
+{
+    showLookInText();
+    QComboBox *const box = m_context->ui.lookInCombo;
+    const QSignalBlocker blocker(box);
+    const RemoteFileSystemModel *const model = m_context->model;
+    for (QString path = m_context->rootPath(); !path.isEmpty();) {
+        path = tul::parentPath(path);
+        if (!path.isEmpty())
+            box->addItem(model->fileIcon(model->index(path)), path);
+        else
+            box->addItem(model->myComputer(Qt::DecorationRole).value<QIcon>(),
+                         model->myComputer().toString());
+    }
+    if (recentPlaces.isEmpty())
+        return;
+    box->insertSeparator(box->count());
+    box->addItem(RemoteFileDialogBase::tr("Recent Places"));
+    if (auto *const items = qobject_cast<QStandardItemModel *>(box->model()))
+        items->item(box->count() - 1)->setEnabled(false);
+    const QIcon folder = box->style()->standardIcon(QStyle::SP_DirIcon, nullptr, box);
+    for (auto place = recentPlaces.crbegin(); place != recentPlaces.crend(); ++place)
+        box->addItem(folder, *place);
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <tul-util-gui/filedialog/navigationhistory_p.h>
+
+#include <QSet>
+#include <QStringList>
+#include <QUrl>
+
+class DialogContext;
+
+/// Goes from directory to directory: by path, back and forward, to the parent, home, to a place.
+///
+/// The model's root is the one truth about what is shown. These operations change it, and
+/// rootChanged() makes all else follow, whoever has changed it.
+class DialogNavigation
+{
+public:
+    explicit DialogNavigation(DialogContext *context) : m_context(context) {}
+
+    /// The directory in which the next dialog of the process begins.
+    static QString &lastVisitedDirectory();
+
+    /// Where a dialog begins that is given `directory`, and which file it suggests.
+    static QString workingDirectory(const QString &directory);
+    static QString initialSelection(const QString &directory);
+
+    /// Shows a directory, or for an empty path the drives. Answers false, and changes nothing, when
+    /// there is no such directory.
+    bool goTo(const QString &path);
+
+    /// Goes there and tells that the user has entered it.
+    void enter(const QString &path);
+
+    void goBack() { step(-1); }
+    void goForward() { step(1); }
+    void goToParent();
+    void goHome();
+    void goToPlace(const QUrl &url);
+
+    /// Goes where an entry of the look-in box says, or where the user wants to with what was typed
+    /// there: what begins with a slash is meant on the side that is shown.
+    void goToEntry(const QString &path);
+    void goToTyped(const QString &text);
+
+    /// Called when the model has another root, and when its listing is complete.
+    void rootChanged();
+    void listed(const QString &path);
+
+    /// Called at the end of the construction: there is nowhere to go back to yet.
+    void start();
+
+    void fillLookInBox();
+    void showLookInText();
+    void updateButtons();
+
+    QStringList recentPlaces; ///< of the look-in box, the latest one last
+
+private:
+    void step(int by);
+    void announceEntered(const QString &name);
+    void setListing(bool listing);
+    void updateNote();
+
+    DialogContext *const m_context;
+    NavigationHistory m_history;
+    QSet<QString> m_listed; ///< directories whose entries the model has already
+    QString m_root; ///< the directory that is shown
+    bool m_started = false;
+};
