@@ -45,7 +45,7 @@ AcceptDecision acceptExistingFiles(const QStringList &files, const KindOfFile &k
 
 bool choosesDirectories(QFileDialog::FileMode mode)
 {
-    return mode == QFileDialog::Directory || mode == QFileDialog::DirectoryOnly;
+    return mode == QFileDialog::Directory || mode == directoryOnly;
 }
 
 AcceptDecision decideAccept(const AcceptRequest &request, const KindOfFile &kindOf)

@@ -10,6 +10,12 @@
 namespace tul
 {
 
+QT_WARNING_PUSH
+QT_WARNING_DISABLE_DEPRECATED
+/// The mode in which files are not even shown. The toolkit would rather have an option for it.
+constexpr QFileDialog::FileMode directoryOnly = QFileDialog::DirectoryOnly;
+QT_WARNING_POP
+
 enum class FileKind { Missing, File, Directory };
 
 /// Tells what a path leads to. Asked only where the answer matters, as it may have to come from

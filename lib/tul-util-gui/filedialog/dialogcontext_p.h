@@ -23,7 +23,10 @@ class RemoteFileSystemModel;
 class DialogContext
 {
 public:
-    explicit DialogContext(RemoteFileDialogBase *fileDialog) : dialog(fileDialog) {}
+    explicit DialogContext(RemoteFileDialogBase *fileDialog)
+        : dialog(fileDialog)
+    {
+    }
 
     QAbstractItemModel *viewModel() const;
     QModelIndex toModel(const QModelIndex &index) const;

@@ -92,7 +92,7 @@ void DialogFilters::updateBox()
             box->addItem(boxText(filter));
         box->setCurrentIndex(m_used);
     }
-    box->setEnabled(m_context->fileMode != QFileDialog::DirectoryOnly);
+    box->setEnabled(m_context->fileMode != tul::directoryOnly);
 }
 
 void DialogFilters::setEntryFilter(QDir::Filters filters)
@@ -103,7 +103,7 @@ void DialogFilters::setEntryFilter(QDir::Filters filters)
 
 void DialogFilters::updateEntryFilter()
 {
-    const bool withFiles = m_context->fileMode != QFileDialog::DirectoryOnly
+    const bool withFiles = m_context->fileMode != tul::directoryOnly
         && !m_context->options.testFlag(QFileDialog::ShowDirsOnly);
     QDir::Filters filters = m_context->model->filter() | QDir::AllDirs;
     filters.setFlag(QDir::Files, withFiles);

@@ -9,7 +9,10 @@ class DialogContext;
 class DialogFilters
 {
 public:
-    explicit DialogFilters(DialogContext *context) : m_context(context) {}
+    explicit DialogFilters(DialogContext *context)
+        : m_context(context)
+    {
+    }
 
     void setNameFilters(const QStringList &filters);
     const QStringList &nameFilters() const { return m_nameFilters; }

@@ -103,8 +103,8 @@ void DialogNavigation::step(int by)
         for (const QString &path : place.selected) {
             const QModelIndex row = m_context->toView(m_context->model->index(path));
             if (row.isValid())
-                m_context->selection()->select(row, QItemSelectionModel::Select
-                                                        | QItemSelectionModel::Rows);
+                m_context->selection()->select(
+                    row, QItemSelectionModel::Select | QItemSelectionModel::Rows);
         }
         break;
     }

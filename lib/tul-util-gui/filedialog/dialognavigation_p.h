@@ -15,7 +15,10 @@ class DialogContext;
 class DialogNavigation
 {
 public:
-    explicit DialogNavigation(DialogContext *context) : m_context(context) {}
+    explicit DialogNavigation(DialogContext *context)
+        : m_context(context)
+    {
+    }
 
     /// The directory in which the next dialog of the process begins.
     static QString &lastVisitedDirectory();

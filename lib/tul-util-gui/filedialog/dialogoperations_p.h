@@ -13,7 +13,10 @@ class QAbstractItemView;
 class DialogOperations
 {
 public:
-    explicit DialogOperations(DialogContext *context) : m_context(context) {}
+    explicit DialogOperations(DialogContext *context)
+        : m_context(context)
+    {
+    }
 
     void renameCurrent();
     void deleteSelected();

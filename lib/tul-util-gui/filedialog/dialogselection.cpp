@@ -114,8 +114,7 @@ void DialogSelection::selectTypedRows(const QString &text)
     QItemSelection named;
     const QStringList files = m_context->dialog->typedFiles();
     for (const QString &file : files) {
-        const QModelIndex row
-            = m_context->toView(m_context->shownEntry(withSuffix(file)));
+        const QModelIndex row = m_context->toView(m_context->shownEntry(withSuffix(file)));
         if (row.isValid())
             named.select(row, row);
     }
@@ -159,8 +158,8 @@ void DialogSelection::showSelectedNames()
 void DialogSelection::updateAcceptButton()
 {
     const bool saves = m_context->acceptMode == QFileDialog::AcceptSave;
-    QPushButton *const button = m_context->ui.buttonBox->button(
-        saves ? QDialogButtonBox::Save : QDialogButtonBox::Open);
+    QPushButton *const button
+        = m_context->ui.buttonBox->button(saves ? QDialogButtonBox::Save : QDialogButtonBox::Open);
     if (!button)
         return;
     const bool directories = tul::choosesDirectories(m_context->fileMode);
@@ -170,8 +169,7 @@ void DialogSelection::updateAcceptButton()
     const tul::AcceptButton look = tul::acceptButton(
         request, [this](const QString &path) { return m_context->kindOf(path); });
     button->setEnabled(look.enabled);
-    button->setText(
-        RemoteFileDialogBasePrivate::of(m_context->dialog)->acceptText(look.opens));
+    button->setText(RemoteFileDialogBasePrivate::of(m_context->dialog)->acceptText(look.opens));
 }
 
 void DialogSelection::accept()
@@ -181,8 +179,7 @@ void DialogSelection::accept()
     request.acceptMode = m_context->acceptMode;
     request.confirmOverwrite = !m_context->options.testFlag(QFileDialog::DontConfirmOverwrite);
     request.typed = m_context->ui.fileNameEdit->text();
-    request.files
-        = tul::choosesDirectories(request.fileMode) ? selectedFiles() : chosenFiles();
+    request.files = tul::choosesDirectories(request.fileMode) ? selectedFiles() : chosenFiles();
     const tul::AcceptDecision decision = tul::decideAccept(
         request, [this](const QString &path) { return m_context->kindOf(path); });
     const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
@@ -229,8 +226,7 @@ bool DialogSelection::isAllowedToOverwrite(const QString &path) const
 {
     const QString question
         = RemoteFileDialogBase::tr("%1 already exists.\nDo you want to replace it?");
-    return m_context->warn(m_context->dialog->windowTitle(),
-                           question.arg(tul::lastElement(path)),
+    return m_context->warn(m_context->dialog->windowTitle(), question.arg(tul::lastElement(path)),
                            QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
         == QMessageBox::Yes;
 }

@@ -10,7 +10,10 @@ class DialogContext;
 class DialogSelection
 {
 public:
-    explicit DialogSelection(DialogContext *context) : m_context(context) {}
+    explicit DialogSelection(DialogContext *context)
+        : m_context(context)
+    {
+    }
 
     /// The names in the line edit as whole paths, as the dialog's virtual operation has them before
     /// derived dialogs change them.

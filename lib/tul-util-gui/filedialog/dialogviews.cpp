@@ -121,8 +121,8 @@ void RemoteFileDialogBaseComboBox::paintEvent(QPaintEvent *event)
     QStyleOptionComboBox option;
     initStyleOption(&option);
     const int icon = option.currentIcon.isNull() ? 0 : option.iconSize.width() + 4;
-    const QRect field = style()->subControlRect(QStyle::CC_ComboBox, &option,
-                                                QStyle::SC_ComboBoxEditField, this);
+    const QRect field
+        = style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
     option.currentText = option.fontMetrics.elidedText(option.currentText, Qt::ElideMiddle,
                                                        qMax(0, field.width() - icon));
     QStylePainter painter(this);

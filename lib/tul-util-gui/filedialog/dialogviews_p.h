@@ -16,7 +16,10 @@ class RemoteFileDialogBaseListView : public QListView
     Q_OBJECT
 
 public:
-    explicit RemoteFileDialogBaseListView(QWidget *parent) : QListView(parent) {}
+    explicit RemoteFileDialogBaseListView(QWidget *parent)
+        : QListView(parent)
+    {
+    }
 
     void setDialog(RemoteFileDialogBasePrivate *dialog) { m_dialog = dialog; }
 
@@ -40,7 +43,10 @@ class RemoteFileDialogBaseTreeView : public QTreeView
     Q_OBJECT
 
 public:
-    explicit RemoteFileDialogBaseTreeView(QWidget *parent) : QTreeView(parent) {}
+    explicit RemoteFileDialogBaseTreeView(QWidget *parent)
+        : QTreeView(parent)
+    {
+    }
 
     void setDialog(RemoteFileDialogBasePrivate *dialog) { m_dialog = dialog; }
     void setNote(const QString &note);
@@ -62,7 +68,10 @@ class RemoteFileDialogBaseLineEdit : public QLineEdit
     Q_OBJECT
 
 public:
-    explicit RemoteFileDialogBaseLineEdit(QWidget *parent) : QLineEdit(parent) {}
+    explicit RemoteFileDialogBaseLineEdit(QWidget *parent)
+        : QLineEdit(parent)
+    {
+    }
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -75,7 +84,10 @@ class RemoteFileDialogBaseComboBox : public QComboBox
     Q_OBJECT
 
 public:
-    explicit RemoteFileDialogBaseComboBox(QWidget *parent) : QComboBox(parent) {}
+    explicit RemoteFileDialogBaseComboBox(QWidget *parent)
+        : QComboBox(parent)
+    {
+    }
 
     void setDialog(RemoteFileDialogBasePrivate *dialog) { m_dialog = dialog; }
 

@@ -141,10 +141,11 @@ void buildBottomRows(DialogWidgets &ui, QWidget *dialog, QGridLayout *grid)
 
 void setTabOrder(const DialogWidgets &ui)
 {
-    const QVector<QWidget *> order{
-        ui.lookInCombo,      ui.backButton, ui.forwardButton, ui.toParentButton, ui.newFolderButton,
-        ui.listModeButton,   ui.detailModeButton, ui.sidebar, ui.listView, ui.treeView,
-        ui.fileNameEdit,     ui.fileTypeCombo,    ui.buttonBox};
+    const QVector<QWidget *> order{ui.lookInCombo,      ui.backButton,      ui.forwardButton,
+                                   ui.toParentButton,   ui.newFolderButton, ui.listModeButton,
+                                   ui.detailModeButton, ui.sidebar,         ui.listView,
+                                   ui.treeView,         ui.fileNameEdit,    ui.fileTypeCombo,
+                                   ui.buttonBox};
     for (int i = 1; i < order.size(); ++i)
         QWidget::setTabOrder(order.at(i - 1), order.at(i));
 }
@@ -227,11 +228,16 @@ void DialogWidgets::setIcons() const
 void DialogWidgets::retranslate(const QAbstractItemModel *model) const
 {
     label(backButton, RemoteFileDialogBase::tr("Back"), RemoteFileDialogBase::tr("Go back"));
-    label(forwardButton, RemoteFileDialogBase::tr("Forward"), RemoteFileDialogBase::tr("Go forward"));
-    label(toParentButton, RemoteFileDialogBase::tr("Parent Directory"), RemoteFileDialogBase::tr("Go to the parent directory"));
-    label(newFolderButton, RemoteFileDialogBase::tr("Create New Folder"), RemoteFileDialogBase::tr("Create a New Folder"));
-    label(listModeButton, RemoteFileDialogBase::tr("List View"), RemoteFileDialogBase::tr("Change to list view mode"));
-    label(detailModeButton, RemoteFileDialogBase::tr("Detail View"), RemoteFileDialogBase::tr("Change to detail view mode"));
+    label(forwardButton, RemoteFileDialogBase::tr("Forward"),
+          RemoteFileDialogBase::tr("Go forward"));
+    label(toParentButton, RemoteFileDialogBase::tr("Parent Directory"),
+          RemoteFileDialogBase::tr("Go to the parent directory"));
+    label(newFolderButton, RemoteFileDialogBase::tr("Create New Folder"),
+          RemoteFileDialogBase::tr("Create a New Folder"));
+    label(listModeButton, RemoteFileDialogBase::tr("List View"),
+          RemoteFileDialogBase::tr("Change to list view mode"));
+    label(detailModeButton, RemoteFileDialogBase::tr("Detail View"),
+          RemoteFileDialogBase::tr("Change to detail view mode"));
     sidebar->setAccessibleName(RemoteFileDialogBase::tr("Places"));
     listView->setAccessibleName(RemoteFileDialogBase::tr("Files"));
     treeView->setAccessibleName(RemoteFileDialogBase::tr("Files"));

@@ -51,20 +51,23 @@ RemoteFileDialogBaseArgs arguments(QWidget *parent, const QString &caption,
 } // namespace
 
 RemoteFileDialogBase::RemoteFileDialogBase(QWidget *parent, Qt::WindowFlags flags)
-    : QDialog(parent, flags), d(std::make_unique<RemoteFileDialogBasePrivate>(this))
+    : QDialog(parent, flags)
+    , d(std::make_unique<RemoteFileDialogBasePrivate>(this))
 {
     d->construct({}, {}, {});
 }
 
 RemoteFileDialogBase::RemoteFileDialogBase(QWidget *parent, const QString &caption,
                                            const QString &directory, const QString &filter)
-    : QDialog(parent, {}), d(std::make_unique<RemoteFileDialogBasePrivate>(this))
+    : QDialog(parent, {})
+    , d(std::make_unique<RemoteFileDialogBasePrivate>(this))
 {
     d->construct(directory, filter, caption);
 }
 
 RemoteFileDialogBase::RemoteFileDialogBase(const RemoteFileDialogBaseArgs &args)
-    : QDialog(args.parent, {}), d(std::make_unique<RemoteFileDialogBasePrivate>(this))
+    : QDialog(args.parent, {})
+    , d(std::make_unique<RemoteFileDialogBasePrivate>(this))
 {
     d->construct(args.directory, args.filter, args.caption);
     setFileMode(args.mode);
@@ -272,8 +275,7 @@ QStringList RemoteFileDialogBase::history() const
 {
     QStringList places = d->navigation.recentPlaces;
     const QString shown = d->context.rootPath();
-    // As the last one once, even if it is the latest of the others too.
-    if (places.isEmpty() || places.constLast() != shown)
+    if (!places.contains(shown))
         places.append(shown);
     return places;
 }
@@ -338,10 +340,10 @@ void RemoteFileDialogBase::open(QObject *receiver, const char *member)
 {
     d->disconnectReceiver();
     // The mode may be another one when the dialog is closed.
-    d->receiverSignal = fileMode() == QFileDialog::ExistingFiles ? SIGNAL(filesSelected(QStringList))
-                                                                 : SIGNAL(fileSelected(QString));
-    if (receiver && member
-        && connect(this, d->receiverSignal.constData(), receiver, member)) {
+    d->receiverSignal = fileMode() == QFileDialog::ExistingFiles
+        ? SIGNAL(filesSelected(QStringList))
+        : SIGNAL(fileSelected(QString));
+    if (receiver && member && connect(this, d->receiverSignal.constData(), receiver, member)) {
         d->receiver = receiver;
         d->receiverMember = member;
     }
@@ -361,8 +363,7 @@ bool RemoteFileDialogBase::restoreState(const QByteArray &state)
 
 QString RemoteFileDialogBase::getOpenFileName(QWidget *parent, const QString &caption,
                                               const QString &dir, const QString &filter,
-                                              QString *selectedFilter,
-                                              QFileDialog::Options options)
+                                              QString *selectedFilter, QFileDialog::Options options)
 {
     auto *const dialog = new RemoteFileDialogBase(
         arguments(parent, caption, dir, filter, QFileDialog::ExistingFile, options));
@@ -381,8 +382,7 @@ QStringList RemoteFileDialogBase::getOpenFileNames(QWidget *parent, const QStrin
 
 QString RemoteFileDialogBase::getSaveFileName(QWidget *parent, const QString &caption,
                                               const QString &dir, const QString &filter,
-                                              QString *selectedFilter,
-                                              QFileDialog::Options options)
+                                              QString *selectedFilter, QFileDialog::Options options)
 {
     auto *const dialog = new RemoteFileDialogBase(
         arguments(parent, caption, dir, filter, QFileDialog::AnyFile, options));
@@ -391,10 +391,9 @@ QString RemoteFileDialogBase::getSaveFileName(QWidget *parent, const QString &ca
 }
 
 QString RemoteFileDialogBase::getExistingDirectory(QWidget *parent, const QString &caption,
-                                                   const QString &dir,
-                                                   QFileDialog::Options options)
+                                                   const QString &dir, QFileDialog::Options options)
 {
-    const auto mode = options.testFlag(QFileDialog::ShowDirsOnly) ? QFileDialog::DirectoryOnly
+    const auto mode = options.testFlag(QFileDialog::ShowDirsOnly) ? tul::directoryOnly
                                                                   : QFileDialog::Directory;
     auto *const dialog
         = new RemoteFileDialogBase(arguments(parent, caption, dir, QString(), mode, options));
@@ -412,22 +411,11 @@ void RemoteFileDialogBase::setVisible(bool visible)
 
 QString RemoteFileDialogBase::tildeExpansion(const QString &path, bool *expanded)
 {
-    const bool tilde = path.startsWith(QLatin1Char('~'));
+    // The homes of other users are left to their names: where theirs are, a path does not tell.
+    const bool isHome = path == QLatin1String("~") || path.startsWith(QLatin1String("~/"));
     if (expanded)
-        *expanded = tilde;
-    if (!tilde)
-        return path;
-    const int slash = path.indexOf(QLatin1Char('/'));
-    const QString user = path.mid(1, slash < 0 ? -1 : slash - 1);
-    const QString rest = slash < 0 ? QString() : path.mid(slash);
-    if (user.isEmpty())
-        return QDir::homePath() + rest;
-    const QString home = tul::homeOfUser(user);
-    if (!home.isEmpty())
-        return home + rest;
-    if (expanded)
-        *expanded = false;
-    return path;
+        *expanded = isHome;
+    return isHome ? QDir::homePath() + path.mid(1) : path;
 }
 
 QString RemoteFileDialogBase::getEnvironmentVariable(const QString &name)

@@ -1,6 +1,7 @@
 #include <tul-util-gui/filedialog/dialogpaths_p.h>
 #include <tul-util-gui/filedialog/dialogstate_p.h>
 #include <tul-util-gui/filedialog/dialogviews_p.h>
+#include <tul-util-gui/filedialog/namefilters_p.h>
 #include <tul-util-gui/filedialog/remotefiledialogbase_p.h>
 #include <tul-util-gui/filedialog/remotefscompleter_p.h>
 #include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
@@ -29,12 +30,12 @@ constexpr int recentPlacesKept = 5;
 } // namespace
 
 RemoteFileDialogBasePrivate::RemoteFileDialogBasePrivate(RemoteFileDialogBase *dialog)
-    : q(dialog),
-      context(dialog),
-      navigation(&context),
-      filters(&context),
-      selection(&context),
-      operations(&context)
+    : q(dialog)
+    , context(dialog)
+    , navigation(&context)
+    , filters(&context)
+    , selection(&context)
+    , operations(&context)
 {
 }
 
@@ -246,8 +247,8 @@ void RemoteFileDialogBasePrivate::setAcceptMode(QFileDialog::AcceptMode mode)
 {
     if (context.acceptMode != mode) {
         context.acceptMode = mode;
-        const auto accept = mode == QFileDialog::AcceptSave ? QDialogButtonBox::Save
-                                                            : QDialogButtonBox::Open;
+        const auto accept
+            = mode == QFileDialog::AcceptSave ? QDialogButtonBox::Save : QDialogButtonBox::Open;
         context.ui.buttonBox->setStandardButtons(accept | QDialogButtonBox::Cancel);
     }
     updateTitle();
@@ -333,8 +334,7 @@ bool RemoteFileDialogBasePrivate::restore(const DialogState &state)
         ui.splitter->setSizes(sizes);
     }
     ui.sidebar->setUrls(state.sidebarUrls);
-    navigation.recentPlaces
-        = state.history.mid(qMax(0, state.history.size() - recentPlacesKept));
+    navigation.recentPlaces = state.history.mid(qMax(0, state.history.size() - recentPlacesKept));
 
     const QPointer<RemoteFileDialogBase> guard(q);
     const QString last = DialogNavigation::lastVisitedDirectory();
@@ -421,8 +421,7 @@ QString RemoteFileDialogBasePrivate::labelText(QFileDialog::DialogLabel label) c
     return {};
 }
 
-void RemoteFileDialogBasePrivate::setLabelText(QFileDialog::DialogLabel label,
-                                               const QString &text)
+void RemoteFileDialogBasePrivate::setLabelText(QFileDialog::DialogLabel label, const QString &text)
 {
     m_labels.insert(label, text);
     updateLabels();

@@ -9,7 +9,8 @@
 #include <QDir>
 
 RemoteFSCompleter::RemoteFSCompleter(DialogContext *context, QObject *parent)
-    : QCompleter(parent), m_context(context)
+    : QCompleter(parent)
+    , m_context(context)
 {
     setModel(context->viewModel());
     // By design: on a remote side too, where the letter case counts; the user sees what is meant.
