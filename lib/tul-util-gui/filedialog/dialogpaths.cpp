@@ -27,22 +27,9 @@ bool hasRootElement(const QString &path)
 
 } // namespace
 
-QStringList splitPath(const QString &path)
-{
-    QStringList elements = path.split(slash, Qt::SkipEmptyParts);
-    if (path.startsWith(slash))
-        elements.prepend(QString(slash));
-    return elements;
-}
-
-QString joinElements(const QStringList &elements)
-{
-    return elements.join(slash);
-}
-
 QString toDialogPath(const QString &path)
 {
-    return !doubleSlashNamesAHost && path.startsWith(QLatin1String("//")) ? path.mid(1) : path;
+    return requestPath(path);
 }
 
 QString parentPath(const QString &path)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tul-util-gui/filesystemmodel/filesystempaths_p.h>
+
 #include <QString>
 #include <QStringList>
 
@@ -8,13 +10,6 @@
 // first element, which these functions take for the root that it is.
 namespace tul
 {
-
-/// The elements of a path, empty ones dropped; a leading "/" is an element by itself. "/usr/lib" is
-/// "/", "usr", "lib", and "remote:/home" is "remote:", "home".
-QStringList splitPath(const QString &path);
-
-/// The elements with "/" between them, and so, as the file system model has it, "//usr/lib".
-QString joinElements(const QStringList &elements);
 
 /// The path as the dialog tells it to others: "/usr/lib" where the model says "//usr/lib". On
 /// Windows such a path names a host and stays.

@@ -9,6 +9,8 @@
 #include <QDir>
 #include <QFileIconProvider>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -19,6 +21,16 @@ bool hasPlace(const QList<QUrl> &places, const QString &path)
 {
     return std::any_of(places.cbegin(), places.cend(),
                        [&](const QUrl &place) { return place.toLocalFile() == path; });
+}
+
+QFileDialog::FileMode directoryMode(QFileDialog::Options options)
+{
+    // The option alone, which the toolkit recommends, would leave the mode to the order of calls.
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    return options.testFlag(QFileDialog::ShowDirsOnly) ? QFileDialog::DirectoryOnly
+                                                       : QFileDialog::Directory;
+    QT_WARNING_POP
 }
 
 /// What a static function shows.
@@ -333,8 +345,7 @@ QString RemoteFileDialog::getExistingDirectory(QWidget *parent, const QString &c
                                                const QString &dir, QFileDialog::Options options,
                                                FileSystemLocation location)
 {
-    const bool onlyDirectories = options.testFlag(QFileDialog::ShowDirsOnly);
     return chosenFiles({parent, caption, dir, QString(), nullptr, options, location},
-                       onlyDirectories ? QFileDialog::DirectoryOnly : QFileDialog::Directory)
+                       directoryMode(options))
         .value(0);
 }

@@ -1,3 +1,4 @@
+#include <tul-util-gui/filesystemmodel/filesystempaths_p.h>
 #include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
 #include <tul-util-gui/filesystemmodel/remoteurlmodel.h>
 
@@ -14,12 +15,6 @@ namespace
 {
 
 constexpr int smallestIcon = 32;
-
-#if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
-constexpr Qt::CaseSensitivity pathCase = Qt::CaseInsensitive;
-#else
-constexpr Qt::CaseSensitivity pathCase = Qt::CaseSensitive;
-#endif
 
 /// The path of a place in one spelling; empty for the level of the drives. The URL of "//usr" has
 /// the host "usr" and no path, so the URL's own path does not do.
@@ -192,7 +187,8 @@ int RemoteUrlModel::rowOf(const QUrl &url) const
 {
     const QString path = pathOf(url);
     for (int row = 0; row < rowCount(); ++row) {
-        if (pathOf(index(row, 0).data(UrlRole).toUrl()).compare(path, pathCase) == 0)
+        if (pathOf(index(row, 0).data(UrlRole).toUrl()).compare(path, tul::nativeCaseSensitivity())
+            == 0)
             return row;
     }
     return -1;
@@ -230,7 +226,9 @@ void RemoteUrlModel::layoutChanged()
 void RemoteUrlModel::directoriesInserted(const QModelIndex &parent)
 {
     const QString above = QDir::cleanPath(m_fileSystemModel->filePath(parent));
-    const auto below = [&](const QUrl &url) { return pathOf(url).startsWith(above, pathCase); };
+    const auto below = [&](const QUrl &url) {
+        return pathOf(url).startsWith(above, tul::nativeCaseSensitivity());
+    };
     if (std::any_of(m_invalidUrls.cbegin(), m_invalidUrls.cend(), below))
         m_refreshTimer.start();
 }
