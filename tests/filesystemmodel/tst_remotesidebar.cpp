@@ -159,6 +159,10 @@ void TestRemoteSidebar::deleteRemovesPlacesWhenItIsReleased()
 
 void TestRemoteSidebar::menuRemovesPlacesButNotTheDrives()
 {
+    for (int menu = 0; menu < 2; ++menu) { // what this platform has to say of each
+        announceWarning(QStringLiteral("This plugin does not support raise()"));
+        announceWarning(QStringLiteral("This plugin does not support grabbing the keyboard"));
+    }
     SideBar bar;
     bar.expose();
     QCOMPARE(bar.tryRemoveByMenu(0), QStringLiteral("Remove"));

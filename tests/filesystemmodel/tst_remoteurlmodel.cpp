@@ -98,8 +98,7 @@ void TestRemoteUrlModel::placesShowWhatTheFileSystemModelKnows()
         const QIcon icon = places.at(row, Qt::DecorationRole).value<QIcon>();
         QVERIFY(icon.actualSize({32, 32}).width() >= 32);
         QCOMPARE(places.model.flags(places.model.index(row, 0)),
-                 Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsDragEnabled
-                     | Qt::ItemNeverHasChildren);
+                 Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsDragEnabled);
     }
     QVERIFY(places.model.flags({}).testFlag(Qt::ItemIsDropEnabled)); // between the places
 

@@ -120,7 +120,7 @@ void RemoteUrlModel::addUrls(const QList<QUrl> &urls, int row, bool move)
             removeRow(old);
             target -= old < target;
         }
-        insertRow(target);
+        insertRow(target, new QStandardItem);
         setUrl(index(target, 0), url, directoryOf(url));
     }
 }
