@@ -8,8 +8,6 @@
 #include <QItemSelectionModel>
 #include <QStackedWidget>
 
-#include <algorithm>
-
 QAbstractItemModel *DialogContext::viewModel() const
 {
     if (proxy)
@@ -69,10 +67,9 @@ QModelIndex DialogContext::shownEntry(const QString &path) const
 
 QStringList DialogContext::selectedPaths() const
 {
-    QModelIndexList rows = selection()->selectedRows();
-    std::sort(rows.begin(), rows.end());
+    const QModelIndexList rows = selection()->selectedRows();
     QStringList paths;
-    for (const QModelIndex &row : qAsConst(rows))
+    for (const QModelIndex &row : rows)
         paths.append(path(toModel(row)));
     return paths;
 }

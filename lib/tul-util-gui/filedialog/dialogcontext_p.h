@@ -48,7 +48,7 @@ public:
     /// being listed, so that nothing is shown too early or in spite of the filters.
     QModelIndex shownEntry(const QString &path) const;
 
-    /// The paths of the selected rows, from the top.
+    /// The paths of the selected rows, in the order in which they were selected.
     QStringList selectedPaths() const;
 
     /// Asks the row of a shown entry, else the disk, or what serves it.

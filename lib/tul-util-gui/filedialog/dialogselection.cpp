@@ -25,12 +25,15 @@ bool namesAHost(const QString &text)
 QString DialogSelection::absolutePath(const QString &typed) const
 {
     bool expanded = false;
-    const QString path = m_context->dialog->getEnvironmentVariable(
-        m_context->dialog->tildeExpansion(typed, &expanded));
+    QString path = m_context->dialog->tildeExpansion(typed, &expanded);
+    const QString root = m_context->rootPath();
+    const QString directory = root.isEmpty() ? QStringLiteral("/") : root;
+    if (path.startsWith(QLatin1Char('$'))
+        && m_context->kindOf(tul::joinSlash(directory, path)) == tul::FileKind::Missing)
+        path = m_context->dialog->getEnvironmentVariable(path);
     if (expanded || QDir::isAbsolutePath(path))
         return tul::cleanDialogPath(path);
-    const QString root = m_context->rootPath();
-    return tul::cleanDialogPath(tul::joinSlash(root.isEmpty() ? QStringLiteral("/") : root, path));
+    return tul::cleanDialogPath(tul::joinSlash(directory, path));
 }
 
 QStringList DialogSelection::typedFiles() const

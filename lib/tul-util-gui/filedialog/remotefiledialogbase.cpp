@@ -393,8 +393,8 @@ QString RemoteFileDialogBase::getSaveFileName(QWidget *parent, const QString &ca
 QString RemoteFileDialogBase::getExistingDirectory(QWidget *parent, const QString &caption,
                                                    const QString &dir, QFileDialog::Options options)
 {
-    const auto mode = options.testFlag(QFileDialog::ShowDirsOnly) ? tul::directoryOnly
-                                                                  : QFileDialog::Directory;
+    const auto mode
+        = options.testFlag(QFileDialog::ShowDirsOnly) ? tul::directoryOnly : QFileDialog::Directory;
     auto *const dialog
         = new RemoteFileDialogBase(arguments(parent, caption, dir, QString(), mode, options));
     return run(dialog, nullptr).value(0);

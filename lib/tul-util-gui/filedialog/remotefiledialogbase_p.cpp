@@ -53,6 +53,7 @@ void RemoteFileDialogBasePrivate::construct(const QString &directory, const QStr
     connectActions();
     retranslate();
     setFileMode(context.fileMode);
+    setViewMode(QFileDialog::List);
 
     QSettings settings(QSettings::UserScope, QStringLiteral("Vantorq"));
     settings.beginGroup(QStringLiteral("RemoteFileDialog"));

@@ -40,7 +40,9 @@ QStringList RemoteFSCompleter::splitPath(const QString &path) const
 
 QString RemoteFSCompleter::pathFromIndex(const QModelIndex &index) const
 {
-    const QString path = m_context->path(m_context->toModel(index));
+    // By role, as the index may be one of the proxy or of the completions.
+    const QString path
+        = tul::toDialogPath(index.data(RemoteFileSystemModel::FilePathRole).toString());
     const QString root = m_context->rootPath();
     const QString start = root.isEmpty() ? root : tul::joinSlash(root, QString());
     return path.startsWith(start) ? path.mid(start.size()) : path;
