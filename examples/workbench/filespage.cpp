@@ -44,6 +44,7 @@ FilesPage::FilesPage(QWidget *parent)
     m_sidebar->addUrls({QUrl::fromLocalFile(remoteRoot()), QUrl::fromLocalFile(remoteHome())});
     m_sidebar->setAccessibleName(tr("Places"));
     m_path->setReadOnly(true);
+    m_path->setFocusPolicy(Qt::ClickFocus);
     m_path->setAccessibleName(tr("Shown directory"));
     createView();
 
@@ -257,7 +258,9 @@ void FilesPage::prepareShot(const QString &shot)
     if (tree)
         m_sidebar->addUrls({QUrl::fromLocalFile(QStringLiteral("remote:/mnt/archive"))});
     m_treeAction->setChecked(tree);
-    goTo(local ? QStringLiteral("/usr") : tree ? remoteRoot() : remoteHome());
+    goTo(local      ? QStringLiteral("/usr")
+             : tree ? remoteRoot()
+                    : remoteHome() + QStringLiteral("/projects/solver"));
     if (tree)
         m_view->expand(m_model->index(QStringLiteral("remote:/home")));
 }

@@ -1,0 +1,145 @@
+#include <support/faultyfolder.h>
+#include <support/testcase.h>
+#include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
+#include <tul-util-gui/filesystemmodel/remotesidebar.h>
+#include <workbench/filespage.h>
+#include <workbench/remotefolder.h>
+
+#include <QAction>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTreeView>
+
+namespace
+{
+
+QString q(const char *text)
+{
+    return QString::fromLatin1(text);
+}
+
+/// The page, over a remote machine with two files in "remote:/dir".
+struct ShownPage {
+    FaultyFolder far;
+    FilesPage page;
+    QTreeView *const view = page.findChild<QTreeView *>();
+    RemoteFileSystemModel *const model = page.findChild<RemoteFileSystemModel *>();
+    QSignalSpy faults{&page, &WorkbenchPage::failed};
+
+    ShownPage()
+    {
+        far.make(q("dir/a"));
+        far.make(q("dir/b"));
+        page.goTo(q("remote:/dir"));
+    }
+
+    QString shown() const { return page.findChild<QLineEdit *>()->text(); }
+    int rows() const { return model->rowCount(view->rootIndex()); }
+    void select(const char *path) { view->setCurrentIndex(model->index(q(path))); }
+
+    void trigger(const char *text)
+    {
+        for (QAction *const action : page.findChildren<QAction *>()) {
+            if (action->text().remove(QLatin1Char('&')) == q(text))
+                action->trigger();
+        }
+    }
+    void answer(QMessageBox::StandardButton button)
+    {
+        auto *const box = page.findChild<QMessageBox *>();
+        QVERIFY(box);
+        QTest::mouseClick(box->button(button), Qt::LeftButton);
+        QTRY_VERIFY(!page.findChild<QMessageBox *>());
+    }
+};
+
+} // namespace
+
+class TestFilesPage : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void placesAndActionsLeadToBothSides();
+    void missingDirectoryIsToldOnce();
+    void foldersAreMadeAndFilesRemovedAfterAQuestion();
+    void refreshShowsWhatHappenedOnTheRemoteSide();
+    void sampleFilesStandForTheRemoteMachine();
+};
+
+void TestFilesPage::placesAndActionsLeadToBothSides()
+{
+    ShownPage shown;
+    QTRY_COMPARE(shown.rows(), 2);
+    shown.trigger("Up");
+    QCOMPARE(shown.shown(), q("remote:"));
+    shown.trigger("This Machine");
+    QCOMPARE(shown.shown(), QDir::homePath());
+    Q_EMIT shown.page.findChild<RemoteSidebar *>()->goToUrl(QUrl(q("file:")));
+    QCOMPARE(shown.shown(), shown.model->myComputer().toString());
+    shown.trigger("Up"); // there is nothing above
+    shown.trigger("Remote Machine");
+    QCOMPARE(shown.shown(), q("remote:"));
+    shown.select("remote:/dir");
+    Q_EMIT shown.view->activated(shown.view->currentIndex());
+    QCOMPARE(shown.shown(), q("remote:/dir"));
+    QCOMPARE(shown.faults.count(), 0);
+}
+
+void TestFilesPage::missingDirectoryIsToldOnce()
+{
+    ShownPage shown;
+    shown.page.goTo(q("remote:/<b>none"));
+    QCOMPARE(shown.faults.count(), 1);
+    QVERIFY(shown.faults.first().first().toString().contains(q("remote:/<b>none")));
+    QCOMPARE(shown.shown(), q("remote:/dir"));
+}
+
+void TestFilesPage::foldersAreMadeAndFilesRemovedAfterAQuestion()
+{
+    ShownPage shown;
+    QTRY_COMPARE(shown.rows(), 2);
+    shown.trigger("New Folder");
+    shown.trigger("New Folder");
+    QVERIFY(QFileInfo(shown.far.local(q("dir/New Folder 2"))).isDir());
+    QTRY_COMPARE(shown.rows(), 4);
+
+    shown.select("remote:/dir/a");
+    shown.trigger("Delete");
+    shown.answer(QMessageBox::No);
+    QVERIFY(QFile::exists(shown.far.local(q("dir/a"))));
+    shown.trigger("Delete");
+    shown.answer(QMessageBox::Yes);
+    QVERIFY(!QFile::exists(shown.far.local(q("dir/a"))));
+    QTRY_COMPARE(shown.rows(), 3);
+
+    shown.far.broken = true;
+    shown.select("remote:/dir/b");
+    shown.page.removeSelected();
+    shown.page.makeFolder();
+    QCOMPARE(shown.faults.count(), 2);
+}
+
+void TestFilesPage::refreshShowsWhatHappenedOnTheRemoteSide()
+{
+    ShownPage shown;
+    QTRY_COMPARE(shown.rows(), 2);
+    QVERIFY(shown.far.make(q("dir/c")) && QFile::remove(shown.far.local(q("dir/a"))));
+    shown.trigger("Refresh");
+    QTRY_VERIFY(shown.rows() == 2 && shown.model->index(q("remote:/dir/c")).isValid()
+                && !shown.model->index(q("remote:/dir/a")).isValid());
+}
+
+void TestFilesPage::sampleFilesStandForTheRemoteMachine()
+{
+    const RemoteFolder remote((QString()));
+    QCOMPARE(remote.fault(), QString());
+    QCOMPARE(QFileInfo(q("remote:/home/user/latest.dat")).size(), 2'400'000);
+    QVERIFY(QFileInfo(q("remote:/opt/tools/bin/solver")).isExecutable());
+    QVERIFY(RemoteFolder(q("/no/such/folder")).fault().contains(q("/no/such/folder")));
+}
+
+QTEST_MAIN(TestFilesPage)
+#include "tst_filespage.moc"
