@@ -127,7 +127,6 @@ void tst_FileSystemComparison::bothShowTheSame_data()
     row("no dot", QDir::AllEntries | QDir::Hidden | QDir::NoDot, none);
     row("directories", QDir::Dirs | QDir::NoDotAndDotDot, none);
     row("files", QDir::Files, none);
-    row("system", QDir::System, none);
     row("no links", usual | QDir::NoSymLinks, none);
     row("all permissions", usual | QDir::PermissionMask, none);
     row("names grey", usual, sources);
