@@ -5,6 +5,7 @@
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QTextDocument>
 #include <QTextDocumentFragment>
 
 namespace

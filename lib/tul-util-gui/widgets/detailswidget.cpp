@@ -6,8 +6,10 @@
 #include <tul-util-gui/widgets/summarybarlook_p.h>
 
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QDockWidget>
 #include <QGridLayout>
+#include <QIcon>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
