@@ -7,7 +7,10 @@
 #include <support/modalsteps.h>
 #include <support/testcase.h>
 
-#include <QAbstractProxyModel>
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QCompleter>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QLineEdit>
 #include <QListView>
@@ -22,19 +25,15 @@ namespace
 
 using Request = std::function<QString(const QString &caption, const QString &dir)>;
 
-template<class Dialog> QLineEdit *nameEdit(Dialog *dialog)
+/// Types a name and clicks on Open, Save or Choose.
+void enter(QWidget *dialog, const QString &name)
 {
-    return dialog->template findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
-}
-
-/// Types a name and presses Return.
-template<class Dialog> void enter(Dialog *dialog, const QString &name)
-{
-    auto *const edit = nameEdit(dialog);
-    edit->setFocus();
+    auto *const edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
     edit->selectAll();
     QTest::keyClicks(edit, name);
-    QTest::keyClick(edit, Qt::Key_Return);
+    edit->completer()->popup()->hide();
+    auto *const buttons = dialog->findChild<QDialogButtonBox *>(QStringLiteral("buttonBox"));
+    QTest::mouseClick(buttons->buttons().constFirst(), Qt::LeftButton);
 }
 
 template<class Dialog> ModalSteps::Step entering(const QString &name)

@@ -27,11 +27,8 @@ void ModalSteps::refuse(QWidget *window)
 void ModalSteps::look()
 {
     QWidget *const window = QApplication::activeModalWidget();
-    if (!window || !window->isVisible() || window == m_answered) {
-        if (!window)
-            m_answered = nullptr;
+    if (!window || !window->isVisible() || window == m_answered)
         return;
-    }
     m_answered = window;
     const int number = m_shown++;
     if (number >= m_steps.size()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QTimer>
 #include <QVector>
 
@@ -40,6 +41,6 @@ private:
 
     const QVector<Step> m_steps;
     QTimer m_timer;
-    QWidget *m_answered = nullptr;
+    QPointer<QWidget> m_answered; // the next window may get its address
     int m_shown = 0;
 };

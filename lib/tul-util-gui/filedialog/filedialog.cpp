@@ -67,55 +67,44 @@ Side sideOfSources()
     return settings().sourcesLocal ? Side::Local : sideOfFiles();
 }
 
-/// What the caller asks for, with the directory to start in filled in.
-class Request
+QMap<QString, QString> &directoriesOf(Side side)
 {
-public:
-    Request(Side side, QWidget *parent, const QString &caption, const QString &dir,
-            QFileDialog::Options options, const QString &filter = QString(),
-            QString *selectedFilter = nullptr)
-        : parent(parent)
-        , caption(caption)
-        , directory(dir.isEmpty() ? directoriesOf(side).value(tul::purposeKey(caption)) : dir)
-        , options(options)
-        , filter(filter)
-        , selectedFilter(selectedFilter)
-        , m_side(side)
-    {
-    }
+    return side == Side::Remote ? settings().remoteDirectories : settings().localDirectories;
+}
 
-    bool isRemote() const { return m_side == Side::Remote; }
+/// What the caller asks for.
+struct Request {
+    Side side;
+    QWidget *parent;
+    QString caption;
+    QString dir;
+    QFileDialog::Options options;
+    QString filter = QString();
+    QString *selectedFilter = nullptr;
+
+    bool isRemote() const { return side == Side::Remote; }
+
+    /// Where to start.
+    QString directory() const
+    {
+        return dir.isEmpty() ? directoriesOf(side).value(tul::purposeKey(caption)) : dir;
+    }
 
     void rememberDirectory(const QString &chosen) const
     {
         if (!chosen.isEmpty())
-            directoriesOf(m_side).insert(tul::purposeKey(caption), chosen);
+            directoriesOf(side).insert(tul::purposeKey(caption), chosen);
     }
     void rememberFile(const QString &chosen) const { rememberDirectory(PathString(chosen).path()); }
-
-    QWidget *const parent;
-    const QString caption;
-    const QString directory;
-    const QFileDialog::Options options;
-    const QString filter;
-    QString *const selectedFilter;
-
-private:
-    static QMap<QString, QString> &directoriesOf(Side side)
-    {
-        return side == Side::Remote ? settings().remoteDirectories : settings().localDirectories;
-    }
-
-    const Side m_side;
 };
 
 QString openFile(const Request &request)
 {
     const QString chosen = request.isRemote()
-        ? RemoteFileDialog::getOpenFileName(request.parent, request.caption, request.directory,
+        ? RemoteFileDialog::getOpenFileName(request.parent, request.caption, request.directory(),
                                             request.filter, request.selectedFilter, request.options,
                                             RemoteFileDialog::RemoteLocation)
-        : QFileDialog::getOpenFileName(request.parent, request.caption, request.directory,
+        : QFileDialog::getOpenFileName(request.parent, request.caption, request.directory(),
                                        request.filter, request.selectedFilter, request.options);
     request.rememberFile(chosen);
     return chosen;
@@ -124,10 +113,10 @@ QString openFile(const Request &request)
 QStringList openFiles(const Request &request)
 {
     const QStringList chosen = request.isRemote()
-        ? RemoteFileDialog::getOpenFileNames(request.parent, request.caption, request.directory,
+        ? RemoteFileDialog::getOpenFileNames(request.parent, request.caption, request.directory(),
                                              request.filter, request.selectedFilter,
                                              request.options, RemoteFileDialog::RemoteLocation)
-        : QFileDialog::getOpenFileNames(request.parent, request.caption, request.directory,
+        : QFileDialog::getOpenFileNames(request.parent, request.caption, request.directory(),
                                         request.filter, request.selectedFilter, request.options);
     request.rememberFile(chosen.value(0));
     return chosen;
@@ -136,9 +125,10 @@ QStringList openFiles(const Request &request)
 QString chooseDirectory(const Request &request)
 {
     const QString chosen = request.isRemote()
-        ? RemoteFileDialog::getExistingDirectory(request.parent, request.caption, request.directory,
-                                                 request.options, RemoteFileDialog::RemoteLocation)
-        : QFileDialog::getExistingDirectory(request.parent, request.caption, request.directory,
+        ? RemoteFileDialog::getExistingDirectory(request.parent, request.caption,
+                                                 request.directory(), request.options,
+                                                 RemoteFileDialog::RemoteLocation)
+        : QFileDialog::getExistingDirectory(request.parent, request.caption, request.directory(),
                                             request.options);
     request.rememberDirectory(chosen);
     return chosen;
@@ -147,7 +137,7 @@ QString chooseDirectory(const Request &request)
 QString saveRemoteFile(const Request &request)
 {
     const tul::ScopedDialog<RemoteFileDialog> dialog(request.parent, request.caption,
-                                                     request.directory, request.filter,
+                                                     request.directory(), request.filter,
                                                      RemoteFileDialog::RemoteLocation);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     if (request.selectedFilter)
@@ -190,7 +180,7 @@ QString saveLocalFile(const Request &request)
     const QPointer<QWidget> parent = request.parent;
     for (;;) {
         const QString answer = QFileDialog::getSaveFileName(
-            parent, request.caption, request.directory, request.filter, request.selectedFilter,
+            parent, request.caption, request.directory(), request.filter, request.selectedFilter,
             request.options | QFileDialog::DontConfirmOverwrite);
         if (answer.isNull())
             return {};
@@ -229,8 +219,8 @@ void prepareExecutablePicker(Dialog *dialog, Proxy *proxy, QFileIconProvider *ic
 QString chooseLocalExecutable(const Request &request)
 {
     FileDialog::ExecutableFileIconProvider icons; // outlives the dialog
-    const tul::ScopedDialog<QFileDialog> dialog(request.parent, request.caption, request.directory,
-                                                executableFilters());
+    const tul::ScopedDialog<QFileDialog> dialog(request.parent, request.caption,
+                                                request.directory(), executableFilters());
     dialog->setFileMode(QFileDialog::ExistingFile);
     // A native dialog would ignore the proxy.
     dialog->setOptions(request.options | QFileDialog::DontUseNativeDialog);
@@ -243,7 +233,7 @@ QString chooseRemoteExecutable(const Request &request)
 {
     FileDialog::ExecutableFileIconProvider icons; // outlives the dialog
     const tul::ScopedDialog<RemoteFileDialog> dialog(request.parent, request.caption,
-                                                     request.directory, executableFilters(),
+                                                     request.directory(), executableFilters(),
                                                      RemoteFileDialog::RemoteLocation);
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setOptions(request.options);
@@ -363,7 +353,7 @@ QString getSourceCodeExistingDirectory(QWidget *parent, const QString &caption, 
 QString getRemoteExecutableFileName(QWidget *parent, const QString &caption, const QString &dir,
                                     QFileDialog::Options options)
 {
-    const Request request(sideOfFiles(), parent, caption, dir, options);
+    const Request request{sideOfFiles(), parent, caption, dir, options};
     const QString chosen
         = request.isRemote() ? chooseRemoteExecutable(request) : chooseLocalExecutable(request);
     request.rememberFile(chosen);
