@@ -6,10 +6,12 @@
 #include <tul-util-gui/mdatable/mdatableselection.h>
 
 #include <QAction>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QLabel>
+#include <QMetaEnum>
 #include <QRegularExpression>
 #include <QScrollArea>
 #include <QSplitter>
@@ -114,11 +116,6 @@ QWidget *ArrayPage::createPanel()
 
     m_choosers = new QFormLayout;
     layout->addLayout(m_choosers);
-    auto *const hint
-        = new QLabel(tr("Drag dimensions from list to list, or use their context menu. "
-                        "The last one of a list changes fastest."));
-    hint->setWordWrap(true);
-    layout->addWidget(hint);
     layout->addStretch();
 
     auto *const area = new QScrollArea;
@@ -169,6 +166,38 @@ QString ArrayPage::title() const
 QString ArrayPage::openFilter() const
 {
     return tr("HDF5 files (*.h5 *.hdf5 *.he5 *.nc);;All files (*)");
+}
+
+QString ArrayPage::advice() const
+{
+    return tr(
+        "Drag dimensions from list to list, or use their context menu. The last one of a list "
+        "changes fastest. Select a block with Shift or the mouse, and copy it with Ctrl+C.");
+}
+
+QWidget *ArrayPage::createOptions()
+{
+    auto *const options = new QWidget;
+    auto *const layout = new QHBoxLayout(options);
+    auto *const grid = new QCheckBox(tr("Show the &grid"));
+    grid->setChecked(m_table->showGrid());
+    connect(grid, &QCheckBox::toggled, m_table, &MDATable::setShowGrid);
+    layout->addWidget(grid);
+
+    auto *const style = new QComboBox;
+    const QMetaEnum styles = QMetaEnum::fromType<MDATable::FocusStyle>();
+    for (int i = 0; i < styles.keyCount(); ++i)
+        style->addItem(QString::fromLatin1(styles.key(i)), styles.value(i));
+    style->setCurrentIndex(style->findData(int(m_table->focusStyle())));
+    connect(style, QOverload<int>::of(&QComboBox::currentIndexChanged), m_table, [this, style] {
+        m_table->setFocusStyle(MDATable::FocusStyle(style->currentData().toInt()));
+    });
+    auto *const label = new QLabel(tr("&Focus style:"));
+    label->setBuddy(style);
+    layout->addWidget(label);
+    layout->addWidget(style);
+    layout->addStretch();
+    return options;
 }
 
 void ArrayPage::open(const QStringList &arguments)

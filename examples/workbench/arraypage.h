@@ -31,6 +31,9 @@ public:
     /// file without the dataset is opened, and another one can be chosen.
     void open(const QStringList &arguments) override;
 
+    QString advice() const override;
+    QWidget *createOptions() override;
+
     /// One picture for each of the first datasets that can be shown, or of the one that was asked
     /// for.
     QStringList shots() const override;

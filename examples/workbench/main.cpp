@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QToolTip>
 
 #include <cstdio>
 
@@ -14,6 +15,22 @@ namespace
 const char description[]
     = "Shows what the library can do, each part on a page of its own. The first page shows numbers "
       "from an HDF5 file.";
+
+void useDarkPalette()
+{
+    const QColor ground(0x26, 0x28, 0x2b);
+    QPalette palette(QColor(0x3a, 0x3d, 0x41), ground);
+    palette.setColor(QPalette::Base, QColor(0x1b, 0x1d, 0x1f));
+    palette.setColor(QPalette::AlternateBase, ground);
+    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x65, 0x9c));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, QColor(0x6c, 0xb2, 0xeb));
+    palette.setColor(QPalette::ToolTipBase, QColor(0x3a, 0x3d, 0x41));
+    palette.setColor(QPalette::ToolTipText, Qt::white);
+    QApplication::setStyle(QStringLiteral("fusion"));
+    QApplication::setPalette(palette);
+    QToolTip::setPalette(palette);
+}
 
 int wrongUsage(const QString &message)
 {
@@ -54,7 +71,13 @@ int main(int argc, char *argv[])
         QStringLiteral("Take <directory> for the remote machine; some sample files without it."),
         QStringLiteral("directory"));
     parser.addOption(remoteFolder);
+    const QCommandLineOption dark(QStringLiteral("dark"),
+                                  QStringLiteral("Show light text on a dark ground."));
+    parser.addOption(dark);
     parser.process(application);
+
+    if (parser.isSet(dark))
+        useDarkPalette();
 
     QStringList arguments = parser.positionalArguments();
     if (arguments.size() > 2)

@@ -3,19 +3,23 @@
 #include <QMainWindow>
 #include <QVector>
 
+class PageBar;
 class QAction;
+class QLabel;
 class QListWidget;
 class QStackedWidget;
 class WorkbenchPage;
 
-/// The window of the workbench: the list of pages, the current one, and what it has to say.
+/// The window of the workbench: the list of pages, the current one below its options, and docks
+/// with what to try on it and with the faults that were told.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    /// Where the faults that pages tell go: to a message box each, or to the standard error stream
-    /// when nobody may be there to close a box; the event loop then ends with exit code 1.
+    /// Where the faults that pages tell go, beside their list: to a message box each, or to the
+    /// standard error stream when nobody may be there to close a box; the event loop then ends with
+    /// exit code 1.
     enum class Reporting { MessageBoxes, StandardError };
 
     explicit MainWindow(Reporting reporting, QWidget *parent = nullptr);
@@ -29,6 +33,7 @@ public:
 
 private:
     void createMenus();
+    void createDocks();
     void addPage(WorkbenchPage *page);
     void chooseFile();
     void report(const QString &message);
@@ -37,7 +42,9 @@ private:
     const Reporting m_reporting;
     int m_faultCount = 0;
     QVector<WorkbenchPage *> m_pages;
-    QListWidget *m_list;
-    QStackedWidget *m_stack;
+    PageBar *m_bar;
+    QStackedWidget *m_stack; // each page with its options
+    QLabel *m_advice;
+    QListWidget *m_faults;
     QAction *m_openAction = nullptr;
 };

@@ -12,6 +12,16 @@ QString WorkbenchPage::openFilter() const
 
 void WorkbenchPage::open(const QStringList & /*arguments*/) { }
 
+QString WorkbenchPage::advice() const
+{
+    return {};
+}
+
+QWidget *WorkbenchPage::createOptions()
+{
+    return nullptr;
+}
+
 QStringList WorkbenchPage::shots() const
 {
     return {};

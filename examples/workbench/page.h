@@ -25,6 +25,13 @@ public:
     /// be opened is told once by failed(), and the page stays usable.
     virtual void open(const QStringList &arguments);
 
+    /// What to try here, in a few sentences; plain text.
+    virtual QString advice() const;
+
+    /// Makes a widget with the options of the page, which the window shows above it in a panel that
+    /// can be collapsed; null when there are none. Called once.
+    virtual QWidget *createOptions();
+
     /// The pictures that this page gives of itself, as file names without suffix, and what makes
     /// the page ready for one of them.
     virtual QStringList shots() const;
