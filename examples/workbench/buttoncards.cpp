@@ -72,7 +72,7 @@ WidgetCard *flatButtonCard()
     button->setMinimumHeight(36);
     card->addDemo(button, Qt::AlignCenter);
     addColours(card, button,
-               {{QT_TR_NOOP("Raised"), "raisedColour", QColor(0xae, 0xd6, 0xf1)},
+               {{QT_TR_NOOP("Raised"), "raisedColour", QColor(0x29, 0x80, 0xb9, 0x50)},
                 {QT_TR_NOOP("Hover"), "hoverColour", QColor(0xf3, 0x9c, 0x12)},
                 {QT_TR_NOOP("Pressed"), "pressedColour", QColor(0xc0, 0x39, 0x2b)},
                 {QT_TR_NOOP("Sunken"), "sunkenColour", QColor(0x27, 0xae, 0x60)},

@@ -25,11 +25,11 @@ PageBar::PageBar(QWidget *parent)
     : SideBarWidget(parent)
     , m_layout(new QVBoxLayout(this))
 {
-    m_layout->setContentsMargins(0, 0, 1, 0); // leaves the line free
     m_layout->setSpacing(0);
     m_layout->addStretch();
     setAccessibleName(tr("Pages"));
     applyPalette();
+    applyDirection();
 }
 
 void PageBar::addPage(const QString &title)
@@ -58,6 +58,17 @@ void PageBar::changeEvent(QEvent *event)
     SideBarWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
         applyPalette();
+    else if (event->type() == QEvent::LayoutDirectionChange)
+        applyDirection();
+}
+
+/// The line stands towards the pages, and the buttons leave it free.
+void PageBar::applyDirection()
+{
+    const bool isMirrored = layoutDirection() == Qt::RightToLeft;
+    setLinePosition(isMirrored ? West : East);
+    m_layout->setContentsMargins(isMirrored ? 1 : 0, 0, isMirrored ? 0 : 1, 0);
+    update(); // the setter only stores
 }
 
 void PageBar::applyPalette()

@@ -29,6 +29,7 @@ protected:
 
 private:
     void applyPalette();
+    void applyDirection();
 
     QVBoxLayout *m_layout;
     QVector<FlatButton *> m_buttons;

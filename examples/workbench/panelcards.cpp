@@ -92,12 +92,12 @@ WidgetCard *sideBarWidgetCard()
     layout->addStretch();
     bar->setMinimumSize(140, 90);
     card->addDemo(bar, Qt::AlignLeft);
-    card->addColour(WidgetCard::tr("Background"), QColor(0xae, 0xd6, 0xf1),
+    card->addColour(WidgetCard::tr("Background"), QColor(0x29, 0x80, 0xb9, 0x50),
                     [bar](const QColor &colour) {
                         bar->setBackgroundColour(colour);
                         bar->update(); // the setters only store
                     });
-    card->addColour(WidgetCard::tr("Line"), QColor(0x2c, 0x3e, 0x50), [bar](const QColor &colour) {
+    card->addColour(WidgetCard::tr("Line"), QColor(0x29, 0x80, 0xb9), [bar](const QColor &colour) {
         bar->setLineColour(colour);
         bar->update();
     });
