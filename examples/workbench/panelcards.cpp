@@ -9,7 +9,6 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -66,7 +65,6 @@ WidgetCard *fadingPanelCard()
     auto *const panel = new FadingPanel;
     auto *const layout = new QHBoxLayout(panel);
     layout->addWidget(new QLabel(WidgetCard::tr("Here one moment, gone the next.")));
-    layout->addWidget(new QPushButton(WidgetCard::tr("So am I")));
     panel->setOpacity(1.0);
     card->addDemo(panel);
     card->addButton(WidgetCard::tr("Fade out"), [panel] { panel->fadeTo(0.0F); });
