@@ -2,6 +2,7 @@
 #include <tul-util-gui/widgets/widercommandlinkbutton.h>
 
 #include <QTest>
+#include <QtMath>
 
 class TestWiderCommandLinkButton : public TestCase
 {
@@ -33,7 +34,7 @@ void TestWiderCommandLinkButton::hintIsWideEnoughForTheDescription()
     plain.setFont(button.font());
     plain.setIcon(button.icon());
     const QSize base = static_cast<const QWidget &>(plain).sizeHint();
-    const int text = button.fontMetrics().horizontalAdvance(description);
+    const int text = qCeil(QFontMetricsF(button.font()).horizontalAdvance(description));
     const bool isLong = description.size() > 1;
     QCOMPARE(button.sizeHint(), isLong ? QSize(text + icon + 17, base.height()) : base);
     QVERIFY(!isLong || button.sizeHint().width() > base.width());

@@ -17,16 +17,13 @@
 namespace
 {
 
-/// A page in a window without a layout, whose size limits the offscreen platform warns about.
 struct ShownPage {
-    QWidget window;
-    WidgetsPage page{&window};
+    WidgetsPage page;
 
     ShownPage()
     {
-        window.resize(1100, 700);
         page.resize(1100, 700);
-        window.show();
+        page.show();
     }
 
     WidgetCard *card(const char *name) const
@@ -108,7 +105,6 @@ void TestWidgetsPage::everyKnobCanBeTurned()
 
 void TestWidgetsPage::answersOfQueuedBoxesAreTold()
 {
-    announceWarning(QStringLiteral("This plugin does not support propagateSizeHints()"));
     const ShownPage shown;
     const QSignalSpy status(&shown.page, &WorkbenchPage::statusChanged);
     ShownPage::press(shown.card("QQueuedMessageBox"), QStringLiteral("Question"));

@@ -2,6 +2,7 @@
 
 #include <QFontMetrics>
 #include <QIcon>
+#include <QtMath>
 
 #include <algorithm>
 
@@ -48,8 +49,9 @@ QSize WiderCommandLinkButton::sizeHint() const
     const QSize hint = QCommandLinkButton::sizeHint();
     if (description().isEmpty())
         return hint;
-    // By design: the widget's font, whichever one the description is painted with.
-    const int textWidth = fontMetrics().horizontalAdvance(description());
+    // By design: the widget's font, whichever one the description is painted with. Rounded up: a
+    // fraction of a pixel too little, and the last word is wrapped.
+    const int textWidth = qCeil(QFontMetricsF(font()).horizontalAdvance(description()));
     const int iconWidth = std::max(0, icon().actualSize(iconSize()).width()); // no icon: -1
     return {std::max(hint.width(), textWidth + iconWidth + horizontalMargins), hint.height()};
 }
