@@ -21,14 +21,14 @@ void TestFlatColours::faceFollowsTheStateWhicheverColoursAreSet_data()
     QTest::addColumn<QString>("colours");
     QTest::addColumn<bool>("hasRule");
     const struct {
-        const char *state; // Sunken, under the Mouse, On, Enabled
+        const char *state; // Sunken, under the Mouse, On, + enabled
         const char *colours;
         bool hasRule;
     } rows[] = {
-        {"----", "DR", false}, {"---E", "R", false}, {"--O-", "S", true}, {"--OE", "S", true},
-        {"-M--", "DR", false}, {"-M-E", "HR", true}, {"-MO-", "S", true}, {"-MOE", "S", true},
-        {"S---", "S", true},   {"S--E", "S", true},  {"S-O-", "S", true}, {"S-OE", "S", true},
-        {"SM--", "PS", true},  {"SM-E", "PS", true}, {"SMO-", "S", true}, {"SMOE", "S", true},
+        {"----", "DR", false}, {"---+", "R", false}, {"--O-", "S", true}, {"--O+", "S", true},
+        {"-M--", "DR", false}, {"-M-+", "HR", true}, {"-MO-", "S", true}, {"-MO+", "S", true},
+        {"S---", "S", true},   {"S--+", "S", true},  {"S-O-", "S", true}, {"S-O+", "S", true},
+        {"SM--", "PS", true},  {"SM-+", "PS", true}, {"SMO-", "S", true}, {"SMO+", "S", true},
     };
     for (const auto &row : rows)
         QTest::newRow(row.state) << QString::fromLatin1(row.colours) << row.hasRule;
@@ -43,7 +43,7 @@ void TestFlatColours::faceFollowsTheStateWhicheverColoursAreSet()
     const QPair<char, QStyle::StateFlag> letters[] = {{'S', QStyle::State_Sunken},
                                                       {'M', QStyle::State_MouseOver},
                                                       {'O', QStyle::State_On},
-                                                      {'E', QStyle::State_Enabled}};
+                                                      {'+', QStyle::State_Enabled}};
     for (const auto &letter : letters)
         state.setFlag(letter.second, tag.contains(letter.first));
 
