@@ -32,10 +32,8 @@ void TestFadingPanel::opacityChangesAtOnceOrInTime()
     panel.fadeTo(0.25F); // takes the place of the one before
     QTRY_VERIFY(panel.findChildren<QPropertyAnimation *>().isEmpty());
     QCOMPARE(opacity(), 0.25);
-    panel.fadeTo(0);
     panel.setGraphicsEffect(nullptr);
     panel.fadeTo(1);
-    panel.setOpacity(1);
 }
 
 QTEST_MAIN(TestFadingPanel)

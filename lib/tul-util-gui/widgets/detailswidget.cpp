@@ -181,7 +181,10 @@ void DetailsWidgetPrivate::updateToolWidget()
         return;
     toolWidget->setEnabled(isReleased());
     if (state == DetailsWidget::NoSummary) {
-        toolWidgetWithdrawn = toolWidgetWithdrawn || !toolWidget->isHidden();
+        // Until the event loop shows it, a new one is hidden, too, but by nobody.
+        const bool hiddenByHost
+            = toolWidget->isHidden() && toolWidget->testAttribute(Qt::WA_WState_ExplicitShowHide);
+        toolWidgetWithdrawn = toolWidgetWithdrawn || !hiddenByHost;
         toolWidget->hide();
     } else if (toolWidgetWithdrawn) {
         toolWidgetWithdrawn = false;
@@ -191,11 +194,21 @@ void DetailsWidgetPrivate::updateToolWidget()
 
 void DetailsWidgetPrivate::updateTabOrder() const
 {
-    if (toolWidget) {
-        QWidget::setTabOrder(summaryCheckBox, toolWidget);
-        QWidget::setTabOrder(toolWidget, detailsButton);
-    } else {
-        QWidget::setTabOrder(summaryCheckBox, detailsButton);
+    // A tool widget that takes no focus itself may hold others that do.
+    QVarLengthArray<QWidget *, 8> order;
+    QWidget *each = toolWidget;
+    while (each) {
+        if (each->focusPolicy() != Qt::NoFocus && contains(toolWidget, each))
+            order.append(each);
+        each = each->nextInFocusChain();
+        if (each == toolWidget) // once round
+            each = nullptr;
+    }
+    order.append(detailsButton);
+    QWidget *before = summaryCheckBox;
+    for (QWidget *const next : order) {
+        QWidget::setTabOrder(before, next);
+        before = next;
     }
 }
 
