@@ -34,12 +34,11 @@ void TestDetailsButton::textAndHintFollowTheTextsThatAreSet()
           Case{"Show", "Hide it", false, "Show", "Hide it"},
           Case{"Show", "", true, "Show...", "Show"},
           Case{"Show me", "Hide", true, "Hide...", "Show me"}}) {
-        const QString collapsed = QString::fromLatin1(row.collapsed);
-        const QString expanded = QString::fromLatin1(row.expanded);
         DetailsButton button;
         button.setCheckable(row.checkable);
-        button.setChecked(!expanded.isEmpty());
-        button.setDetailButtonText(collapsed, expanded);
+        button.setChecked(*row.expanded);
+        button.setDetailButtonText(QString::fromLatin1(row.collapsed),
+                                   QString::fromLatin1(row.expanded));
         QCOMPARE(button.detailButtonText(), QString::fromLatin1(row.text));
         auto *const reader = QAccessible::queryAccessibleInterface(&button);
         QCOMPARE(reader->text(QAccessible::Name), button.detailButtonText());
@@ -106,7 +105,6 @@ void TestDetailsButton::whateverChangesIsPaintedAtOnce()
         [=](DetailsButton &button) { button.setFader(infinity); },
         [=](DetailsButton &button) { button.setFont(font); },
         [](DetailsButton &button) { button.setPalette(Qt::black); },
-        [](DetailsButton &button) { button.resize(110, 22); },
         [](DetailsButton &button) { button.setContentsMargins(3, 0, 0, 0); },
         [](DetailsButton &button) { button.setContentsMargins(500, 0, 500, 0); }, // no room
     };
@@ -131,9 +129,8 @@ void TestDetailsButton::pointerFadesTheHighlightInAndOut()
     QVERIFY(!QCoreApplication::sendEvent(&button, &enter));
     QVERIFY(button.fader() < 1);
     QTRY_COMPARE(button.fader(), 1.0F);
-    QVERIFY(!QCoreApplication::sendEvent(&button, &leave));
-    QCoreApplication::sendEvent(&button, &enter);
-    QCoreApplication::sendEvent(&button, &leave);
+    for (QEvent *const event : {&leave, &enter, &leave})
+        QVERIFY(!QCoreApplication::sendEvent(&button, event));
     QTRY_VERIFY(button.findChildren<QPropertyAnimation *>().isEmpty());
     QCOMPARE(button.fader(), 0.0F);
 }

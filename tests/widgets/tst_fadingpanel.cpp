@@ -25,15 +25,15 @@ void TestFadingPanel::opacityChangesAtOnceOrInTime()
     panel.setOpacity(std::nan(""));
     panel.fadeTo(std::nanf(""));
     QCOMPARE(opacity(), 0.5);
-    panel.fadeTo(2);
-    QCOMPARE(opacity(), 0.5);
-    QTRY_COMPARE(opacity(), 1.0);
-    panel.fadeTo(0.5F);
+    panel.fadeTo(0);
     panel.fadeTo(0.25F); // takes the place of the one before
+    QCOMPARE(opacity(), 0.5);
     QTRY_VERIFY(panel.findChildren<QPropertyAnimation *>().isEmpty());
     QCOMPARE(opacity(), 0.25);
+    panel.fadeTo(2);
+    QTRY_COMPARE(opacity(), 1.0);
     panel.setGraphicsEffect(nullptr);
-    panel.fadeTo(1);
+    panel.fadeTo(0);
 }
 
 QTEST_MAIN(TestFadingPanel)

@@ -11,23 +11,19 @@
 namespace
 {
 
-template<class Widget> Widget *find(const StringListEditDialog &dialog, const char *name)
-{
-    return dialog.findChild<Widget *>(QString::fromLatin1(name));
-}
-
 /// Does one thing to a shown dialog. Letters in lower case press its buttons; a digit makes that
 /// row current, E opens its editor, and the signs are for what is done there.
 void act(const StringListEditDialog &dialog, char action)
 {
-    const QHash<char, const char *> buttons{
-        {'a', "addPushButton"}, {'r', "removePushButton"}, {'c', "clearPushButton"}};
+    const QHash<char, QString> buttons{{'a', QStringLiteral("addPushButton")},
+                                       {'r', QStringLiteral("removePushButton")},
+                                       {'c', QStringLiteral("clearPushButton")}};
     const QHash<char, Qt::Key> keys{
         {'-', Qt::Key_Backspace}, {'!', Qt::Key_Return}, {'?', Qt::Key_Escape}, {'>', Qt::Key_Tab}};
-    auto *const view = find<QListView>(dialog, "listView");
+    auto *const view = dialog.findChild<QListView *>(QStringLiteral("listView"));
     auto *const editor = view->viewport()->findChild<QLineEdit *>();
     if (buttons.contains(action))
-        find<QPushButton>(dialog, buttons.value(action))->click();
+        dialog.findChild<QPushButton *>(buttons.value(action))->click();
     else if (keys.contains(action))
         QTest::keyClick(editor, keys.value(action)); // Backspace once for all: it is selected
     else if (action == '+')
@@ -37,7 +33,7 @@ void act(const StringListEditDialog &dialog, char action)
     else if (action == 'E')
         view->edit(view->currentIndex());
     else if (action == '^') // somewhere else
-        find<QDialogButtonBox>(dialog, "buttonBox")->setFocus();
+        dialog.findChild<QDialogButtonBox *>(QStringLiteral("buttonBox"))->setFocus();
     else
         view->setCurrentIndex(view->model()->index(action - '0', 0));
 }
@@ -92,15 +88,15 @@ void TestStringListEditDialog::editingLeavesTheExpectedList()
     dialog.show();
     dialog.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&dialog));
-    const auto *const view = find<QListView>(dialog, "listView");
+    const auto *const view = dialog.findChild<QListView *>(QStringLiteral("listView"));
     for (const QChar action : part(1)) {
         act(dialog, action.toLatin1());
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // closed editors
-        QCOMPARE(find<QPushButton>(dialog, "removePushButton")->isEnabled(),
-                 view->selectionModel()->hasSelection());
-        QCOMPARE(find<QPushButton>(dialog, "clearPushButton")->isEnabled(),
-                 !dialog.stringList().isEmpty());
+        const auto *const remove = dialog.findChild<QWidget *>(QStringLiteral("removePushButton"));
+        const auto *const clear = dialog.findChild<QWidget *>(QStringLiteral("clearPushButton"));
+        QCOMPARE(remove->isEnabled(), view->selectionModel()->hasSelection());
+        QCOMPARE(clear->isEnabled(), !dialog.stringList().isEmpty());
     }
     QCOMPARE(dialog.stringList(), list(part(2)));
 }

@@ -192,6 +192,7 @@ bool DetailsButton::event(QEvent *event)
 
 void DetailsButton::paintEvent(QPaintEvent *event)
 {
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call): the one of QAbstractButton is pure
     QWidget::paintEvent(event);
     QPainter painter(this);
     if (d->animationEnabled && !isDown() && d->fader > 0)
