@@ -23,7 +23,11 @@ namespace
 struct Panel : DetailsWidget {
     Panel()
     {
-        const auto note = [this](const QString &what) { log += what; };
+        const auto note = [this](const QString &what) {
+            log += what;
+            const auto now = whenTold; // outlives this
+            now();
+        };
         connect(this, &DetailsWidget::linkActivated, this, note);
         connect(this, &DetailsWidget::checked, this, [=](bool on) { note(QString::number(on)); });
         connect(this, &DetailsWidget::detailsClicked, this, [=] { note(QStringLiteral("d")); });
@@ -64,6 +68,7 @@ struct Panel : DetailsWidget {
     DetailsWidgetLabel *const label = findChild<DetailsWidgetLabel *>();
     QCheckBox *const checkBox = findChild<QCheckBox *>();
     QString log;
+    std::function<void()> whenTold = [] {};
 };
 
 } // namespace
@@ -75,7 +80,7 @@ class TestDetailsWidget : public TestCase
 private Q_SLOTS:
     void controlsFollowStateAndFlags();
     void actionsChangeTheStateAndTellSo();
-    void panelMayGoInItsSignals();
+    void panelMayGoWhileItTells();
     void detailsAndToolsAreReplacedDeletedAndLost();
     void docksAndScrollAreasFollowAtOnce();
     void barIsPaintedInLayersAsHighAsItsControls();
@@ -146,14 +151,12 @@ void TestDetailsWidget::actionsChangeTheStateAndTellSo()
     }
 }
 
-void TestDetailsWidget::panelMayGoInItsSignals()
+void TestDetailsWidget::panelMayGoWhileItTells()
 {
-    // Not in those that a button of the toolkit sets off by toggling: it uses itself afterwards.
+    // But not what a button of the toolkit sets off by toggling: it uses itself afterwards.
     for (const char action : {'b', 'l', 'a', 'E'}) {
         QPointer<Panel> panel = new Panel;
-        connect(panel, &DetailsWidget::expanded, this, [&] { delete panel; });
-        connect(panel, &DetailsWidget::linkActivated, this, [&] { delete panel; });
-        connect(panel, &DetailsWidget::detailsClicked, this, [&] { delete panel; });
+        panel->whenTold = [&] { delete panel; };
         panel->act(action);
         QVERIFY(!panel);
     }
