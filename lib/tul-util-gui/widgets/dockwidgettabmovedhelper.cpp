@@ -4,6 +4,7 @@
 #include <QDockWidget>
 #include <QMainWindow>
 #include <QTabBar>
+#include <QVariant>
 
 namespace
 {
