@@ -11,7 +11,9 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QStyle>
+#include <QVariant>
 
+#include <memory>
 #include <utility>
 
 namespace
