@@ -1,0 +1,477 @@
+#include <tul-util-gui/mdatable/saturated_p.h>
+#include <tul-util-gui/terminal/terminal.h>
+#include <tul-util-gui/terminal/terminalinterpreter_p.h>
+#include <tul-util-gui/terminal/terminalwidget.h>
+#include <tul-util-gui/terminal/textgridlayout_p.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+#include <QPointer>
+#include <QScrollBar>
+#include <QStyle>
+#include <QTextBlock>
+#include <QTextCodec>
+#include <QTextCursor>
+#include <QTextDecoder>
+#include <QTimer>
+
+#include <algorithm>
+#include <deque>
+
+namespace
+{
+
+constexpr int defaultColumns = 80;
+constexpr int defaultRows = 12;
+constexpr int frameMilliseconds = 16;
+
+// Work is counted in bytes: what comes once for a line or a control byte takes as long as some
+// thirty bytes of text. One pass of the event loop shows this much, a few milliseconds' worth.
+constexpr int stepCost = 32;
+constexpr int passCost = 1 << 18;
+constexpr int sliceSize = 4096; // of the bytes between two looks at what has been spent
+
+constexpr char interrupt = 3;
+constexpr char deletion = 127;
+
+/// Something to be shown: bytes of the terminal, or a message of the widget's own.
+struct Arrival {
+    QByteArray bytes;
+    QString message;
+    int shown = 0; // of the bytes
+};
+
+/// Takes bytes that are not to be shown any more.
+class NoSink : public TerminalSink
+{
+public:
+    void plainBytes(const char *, int) override { }
+    void moveLeft() override { }
+    void eraseToEndOfLine() override { }
+};
+
+int standardCellWidth(const QWidget *widget)
+{
+    return widget->fontMetrics().horizontalAdvance(QLatin1Char('M'));
+}
+
+} // namespace
+
+class TerminalWidgetPrivate
+{
+public:
+    TerminalInterpreter interpreter; // keeps the tail of an escape sequence that was cut off
+    QTextCursor outputCursor; // where output goes; not that of the user
+    QPointer<Terminal> terminal;
+    const std::unique_ptr<QTextDecoder> decoder{QTextCodec::codecForLocale()->makeDecoder()};
+    QPointer<QMenu> contextMenu; // while it is shown
+    QAction *pasteAction = nullptr;
+
+    QPointer<TextGridLayout> layout; // of the document
+    int maximumBlockCount = 0; // 0 for no limit
+    int standardCursorWidth = 0; // followed by the cursor width while nobody sets another one
+
+    std::deque<Arrival> arrivals; // not shown yet
+    QTimer arrivalTimer; // runs while some of them are left for the next pass
+    bool isShowing = false;
+    int outputDepth = 0; // of nested Output objects
+
+    QTimer frameTimer; // runs for one frame after the picture was renewed
+    bool isPictureOld = false;
+};
+
+/// The toolkit lays out, scrolls and repaints when the last of these is gone: output is added with
+/// one of them alive. As a sink it counts what the output costs.
+class TerminalWidget::Output : public TerminalSink
+{
+public:
+    explicit Output(TerminalWidget *widget);
+    ~Output() override;
+    Output(const Output &) = delete;
+    Output &operator=(const Output &) = delete;
+
+    int cost() const { return m_cost; }
+
+    void plainBytes(const char *data, int length) override;
+    void moveLeft() override;
+    void eraseToEndOfLine() override;
+
+private:
+    TerminalWidget *const m_widget;
+    TerminalWidgetPrivate *const d;
+    bool m_isFollowing = false;
+    int m_cost = 0;
+};
+
+TerminalWidget::Output::Output(TerminalWidget *widget)
+    : m_widget(widget)
+    , d(widget->d.get())
+{
+    if (d->outputDepth++ > 0)
+        return;
+    const QScrollBar *const bar = widget->verticalScrollBar();
+    m_isFollowing = bar->value() + 1 >= bar->maximum();
+    if (d->layout) {
+        d->layout->setUpdatesHeld(true);
+        d->layout->releaseLines();
+    }
+    d->outputCursor.beginEditBlock();
+}
+
+TerminalWidget::Output::~Output()
+{
+    if (d->outputDepth == 1) {
+        d->outputCursor.endEditBlock();
+        m_widget->removeOldBlocks(m_isFollowing);
+        if (m_isFollowing)
+            m_widget->verticalScrollBar()->setValue(m_widget->verticalScrollBar()->maximum());
+        if (d->layout)
+            d->layout->setUpdatesHeld(false);
+        m_widget->renewPicture();
+    }
+    --d->outputDepth;
+}
+
+void TerminalWidget::Output::plainBytes(const char *data, int length)
+{
+    m_cost += stepCost * static_cast<int>(1 + std::count(data, data + length, '\n'));
+    m_widget->appendBytes(data, length);
+}
+
+void TerminalWidget::Output::moveLeft()
+{
+    m_cost += stepCost;
+    const int position = d->outputCursor.position() - 1;
+    if (position < 0)
+        return;
+    // The toolkit lays out the block to find where the character before the cursor begins.
+    const QChar character = m_widget->document()->characterAt(position);
+    if (character < QLatin1Char(deletion) || character == QChar::ParagraphSeparator)
+        d->outputCursor.setPosition(position);
+    else
+        d->outputCursor.movePosition(QTextCursor::Left);
+}
+
+void TerminalWidget::Output::eraseToEndOfLine()
+{
+    m_cost += stepCost;
+    if (d->outputCursor.atBlockEnd() || !d->layout)
+        return;
+    QTextCursor rest = d->outputCursor;
+    rest.setPosition(d->layout->lineEnd(rest.position()), QTextCursor::KeepAnchor);
+    rest.removeSelectedText();
+}
+
+TerminalWidget::TerminalWidget(QWidget *parent)
+    : QTextEdit(parent)
+    , d(std::make_unique<TerminalWidgetPrivate>())
+{
+    init();
+}
+
+TerminalWidget::TerminalWidget(Terminal *terminal, QWidget *parent)
+    : TerminalWidget(parent)
+{
+    setTerminal(terminal);
+}
+
+TerminalWidget::~TerminalWidget() = default;
+
+void TerminalWidget::init()
+{
+    setWordWrapMode(QTextOption::WrapAnywhere);
+    setLineWrapMode(QTextEdit::FixedColumnWidth);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setReadOnly(true);
+    setUndoRedoEnabled(false);
+    d->standardCursorWidth = standardCellWidth(this);
+    setCursorWidth(d->standardCursorWidth);
+    setWindowTitle(tr("Terminal"));
+
+    d->layout = new TextGridLayout(this);
+    document()->setDocumentLayout(d->layout);
+    d->outputCursor = QTextCursor(document());
+
+    d->pasteAction = new QAction(tr("&Paste"), this);
+    d->pasteAction->setShortcuts(QKeySequence::Paste);
+    connect(d->pasteAction, &QAction::triggered, this, &TerminalWidget::pasteFromClipboard);
+
+    d->arrivalTimer.setSingleShot(true);
+    connect(&d->arrivalTimer, &QTimer::timeout, this, &TerminalWidget::showSome);
+    d->frameTimer.setSingleShot(true);
+    d->frameTimer.setTimerType(Qt::PreciseTimer);
+    connect(&d->frameTimer, &QTimer::timeout, this, [this] {
+        if (d->isPictureOld)
+            renewPicture();
+    });
+}
+
+Terminal *TerminalWidget::terminal() const
+{
+    return d->terminal;
+}
+
+void TerminalWidget::setTerminal(Terminal *terminal)
+{
+    // By design: only reading ends. A host that swaps terminals still shows how the program in the
+    // old one ends.
+    if (d->terminal)
+        disconnect(d->terminal, &Terminal::readyRead, this, &TerminalWidget::terminalReadyRead);
+    d->terminal = terminal;
+    if (!terminal)
+        return;
+    connect(terminal, &Terminal::windowSizeChanged, this, &TerminalWidget::windowSizeChanged);
+    connect(terminal, &Terminal::readyRead, this, &TerminalWidget::terminalReadyRead);
+    connect(terminal, &Terminal::processStarted, this, &TerminalWidget::processStarted);
+    connect(terminal, &Terminal::processFinished, this, &TerminalWidget::processFinished);
+    windowSizeChanged(terminal->columns(), terminal->rows());
+}
+
+int TerminalWidget::maximumBlockCount() const
+{
+    return d->maximumBlockCount;
+}
+
+void TerminalWidget::setMaximumBlockCount(int count)
+{
+    d->maximumBlockCount = std::max(count, 0);
+    const Output trimmed(this);
+}
+
+QSize TerminalWidget::minimumSizeHint() const
+{
+    ensurePolished();
+    const int margins = 2 * static_cast<int>(document()->documentMargin());
+    const long long columns = d->terminal ? d->terminal->columns() : defaultColumns;
+    const long long rows = d->terminal ? d->terminal->rows() : defaultRows;
+    int extra = 2 * frameWidth();
+    // By design: in the height as well, although only the vertical scroll bar is shown.
+    if (frameStyle() != 0
+        && style()->styleHint(QStyle::SH_ScrollView_FrameOnlyAroundContents, nullptr, this))
+        extra += style()->pixelMetric(QStyle::PM_ScrollView_ScrollBarSpacing, nullptr, this);
+
+    // Kept within what a widget can be.
+    const long long width = extra + verticalScrollBar()->sizeHint().width() + margins
+        + standardCellWidth(this) * columns;
+    const long long height = margins + extra + fontMetrics().height() * rows;
+    return {static_cast<int>(std::clamp(width, 0LL, static_cast<long long>(QWIDGETSIZE_MAX))),
+            static_cast<int>(std::clamp(height, 0LL, static_cast<long long>(QWIDGETSIZE_MAX)))};
+}
+
+QSize TerminalWidget::sizeHint() const
+{
+    return minimumSizeHint();
+}
+
+void TerminalWidget::clear()
+{
+    // An escape sequence may begin in what is thrown away and end in what is still to come.
+    NoSink nothing;
+    for (const Arrival &arrival : d->arrivals)
+        d->interpreter.interpret(arrival.bytes.mid(arrival.shown), nothing);
+    d->arrivals.clear();
+    QTextEdit::clear();
+}
+
+void TerminalWidget::windowSizeChanged(int columns, int)
+{
+    setLineWrapColumnOrWidth(columns);
+    updateGeometry();
+}
+
+void TerminalWidget::terminalReadyRead()
+{
+    if (!d->terminal)
+        return;
+    // One call ends at the longest byte array that there can be.
+    for (QByteArray bytes = d->terminal->readAll(); !bytes.isEmpty();
+         bytes = d->terminal->readAll())
+        d->arrivals.push_back({bytes, {}});
+    if (!d->arrivalTimer.isActive())
+        showSome();
+}
+
+/// Shows what has arrived, in its order, and leaves to the next pass of the event loop what would
+/// take too long.
+void TerminalWidget::showSome()
+{
+    if (d->isShowing)
+        return; // whoever was told of a change of the text has brought more
+    d->isShowing = true;
+    for (int spent = 0; !d->arrivals.empty() && spent < passCost;) {
+        Output output(this);
+        while (!d->arrivals.empty() && spent + output.cost() < passCost)
+            spent += showNext(&output);
+        spent += output.cost();
+    }
+    d->isShowing = false;
+    if (!d->arrivals.empty())
+        d->arrivalTimer.start(0);
+}
+
+/// Takes a piece of what has arrived, before showing it, and returns how many bytes it has.
+int TerminalWidget::showNext(Output *output)
+{
+    Arrival &first = d->arrivals.front();
+    const QString message = first.message;
+    const QByteArray bytes = first.bytes.mid(first.shown, sliceSize);
+    first.shown += bytes.size();
+    if (first.shown == first.bytes.size())
+        d->arrivals.pop_front();
+    if (bytes.isEmpty()) {
+        d->interpreter.interrupt();
+        appendString(message);
+    } else {
+        d->interpreter.interpret(bytes, *output);
+    }
+    return bytes.size();
+}
+
+void TerminalWidget::appendBytes(const char *bytes, int length)
+{
+    const QString text = d->decoder->toUnicode(bytes, length);
+    if (!text.isEmpty())
+        appendString(text);
+}
+
+void TerminalWidget::appendString(const QString &text)
+{
+    const Output output(this);
+    d->outputCursor.insertText(text);
+}
+
+/// Messages keep their place among the bytes that have arrived before them.
+void TerminalWidget::appendMessage(const QString &text)
+{
+    d->arrivals.push_back({{}, text});
+    if (!d->arrivalTimer.isActive())
+        showSome();
+}
+
+void TerminalWidget::removeOldBlocks(bool isFollowing)
+{
+    const int tooMany = document()->blockCount() - d->maximumBlockCount;
+    if (d->maximumBlockCount == 0 || tooMany <= 0)
+        return;
+    QScrollBar *const bar = verticalScrollBar();
+    const int value = bar->value();
+    const qreal height = d->layout ? d->layout->blockTop(tooMany) - d->layout->blockTop(0) : 0;
+    QTextCursor old(document());
+    old.setPosition(document()->findBlockByNumber(tooMany).position(), QTextCursor::KeepAnchor);
+    old.removeSelectedText();
+    if (!isFollowing)
+        bar->setValue(value - qRound(height));
+}
+
+void TerminalWidget::processStarted(const QString &commandLine)
+{
+    appendMessage(commandLine + QLatin1Char('\n'));
+}
+
+void TerminalWidget::processFinished(int exitCode, QProcess::ExitStatus exitStatus)
+{
+    const QString message = exitStatus == QProcess::NormalExit
+        ? tr("[process exited with exit code %1]").arg(exitCode)
+        : tr("[process exited abnormally]");
+    appendMessage(QLatin1Char('\n') + message + QLatin1Char('\n'));
+}
+
+/// Has the viewport painted, the first time at once and then once a frame.
+void TerminalWidget::renewPicture()
+{
+    d->isPictureOld = d->frameTimer.isActive();
+    if (d->isPictureOld)
+        return;
+    viewport()->update();
+    d->frameTimer.start(frameMilliseconds);
+}
+
+void TerminalWidget::scrollContentsBy(int dx, int dy)
+{
+    // Scrolling moves the picture as it is, which output makes worthless anyway.
+    if (d->outputDepth == 0)
+        QTextEdit::scrollContentsBy(dx, dy);
+}
+
+void TerminalWidget::paintEvent(QPaintEvent *event)
+{
+    QTextEdit::paintEvent(event);
+    if (d->outputCursor.isNull() || !d->layout)
+        return;
+    QPainter painter(viewport());
+    painter.translate(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
+    painter.setPen(palette().color(QPalette::Text));
+    d->layout->drawCursor(&painter, d->outputCursor, cursorWidth());
+}
+
+void TerminalWidget::changeEvent(QEvent *event)
+{
+    QTextEdit::changeEvent(event);
+    if (event->type() != QEvent::FontChange || cursorWidth() != d->standardCursorWidth)
+        return;
+    d->standardCursorWidth = standardCellWidth(this);
+    setCursorWidth(d->standardCursorWidth);
+}
+
+void TerminalWidget::keyPressEvent(QKeyEvent *event)
+{
+    if (!d->terminal) {
+        event->ignore();
+        return;
+    }
+    if (event->matches(QKeySequence::Paste)) {
+        pasteFromClipboard();
+        return;
+    }
+    if (event->modifiers() == Qt::MetaModifier && event->key() == Qt::Key_C) {
+        d->terminal->write(&interrupt, 1);
+        return;
+    }
+    if (event->matches(QKeySequence::Copy) || event->matches(QKeySequence::SelectAll)
+        || event->matches(QKeySequence::Cut)) {
+        QTextEdit::keyPressEvent(event);
+        return;
+    }
+    if (event->text().isEmpty())
+        return;
+
+    QByteArray bytes = event->text().toLocal8Bit();
+    if (bytes == "\r" || event->key() == Qt::Key_Enter)
+        bytes = QByteArrayLiteral("\n");
+    const QPointer<TerminalWidget> self(this);
+    const bool isBackspace = event->key() == Qt::Key_Backspace;
+    if (bytes == "\n")
+        Q_EMIT returnPressed();
+    if (isBackspace)
+        bytes = QByteArray(1, deletion);
+    if (self && d->terminal)
+        d->terminal->write(bytes);
+}
+
+void TerminalWidget::pasteFromClipboard()
+{
+    if (d->terminal)
+        d->terminal->write(QApplication::clipboard()->text().toUtf8());
+}
+
+void TerminalWidget::contextMenuEvent(QContextMenuEvent *event)
+{
+    const QPointer<QMenu> menu = createStandardContextMenu(event->pos());
+    if (!menu)
+        return;
+    d->contextMenu = menu;
+    const QList<QAction *> actions = menu->actions();
+    int place = actions.size(); // behind the last entry that copies; at the top without one
+    while (place > 0 && !actions.at(place - 1)->text().contains(tr("Copy")))
+        --place;
+    menu->insertAction(actions.value(place), d->pasteAction);
+    menu->exec(event->globalPos());
+    delete menu; // unless it went with this widget meanwhile
+}

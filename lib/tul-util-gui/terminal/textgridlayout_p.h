@@ -1,0 +1,91 @@
+#pragma once
+
+#include <QAbstractTextDocumentLayout>
+#include <QTextCursor>
+#include <QVector>
+
+#include <vector>
+
+class QTextBlock;
+class QTextEdit;
+
+/// Lays out the plain text of a text edit that wraps anywhere after a fixed number of columns, as
+/// the toolkit's own layout does, but without shaping text that nobody sees.
+///
+/// All lines are of one height, and how many a block takes follows from its length, so that a
+/// change costs time in proportion to what has changed and a picture in proportion to what it
+/// shows. Only blocks that are drawn, hit or asked for get a text layout, until the next change.
+///
+/// Where the number of characters does not tell the number of lines, a block that wraps is shaped
+/// to know it: in a font that is not of a fixed pitch, and where text has other characters than
+/// those from blank to tilde. Blocks of more than longBlock characters are too long for that, and
+/// for a text layout; they are drawn line by line, one character a column.
+///
+/// Formats of blocks and frames, lists, tables and objects are not drawn.
+class TextGridLayout : public QAbstractTextDocumentLayout
+{
+    Q_OBJECT
+
+public:
+    static constexpr int longBlock = 8192;
+
+    /// For the document of `edit`, whose columns it asks for after each change of its geometry.
+    explicit TextGridLayout(QTextEdit *edit);
+
+    /// Where the line that holds `position` ends, as QTextCursor::EndOfLine finds it, also while
+    /// the document is being edited.
+    int lineEnd(int position);
+
+    /// The position of the top of the document's n-th block, in pixels of the document.
+    qreal blockTop(int number) const;
+
+    /// Draws `cursor`, `width` pixels wide, in the document's coordinates.
+    void drawCursor(QPainter *painter, const QTextCursor &cursor, int width);
+
+    /// Whether changes are not announced by update(): somebody else sees to it.
+    void setUpdatesHeld(bool held) { m_updatesHeld = held; }
+
+    /// Gives back all text layouts; done before many changes, it spares each of them some work.
+    void releaseLines();
+
+    void draw(QPainter *painter, const PaintContext &context) override;
+    int hitTest(const QPointF &point, Qt::HitTestAccuracy accuracy) const override;
+    int pageCount() const override { return 1; }
+    QSizeF documentSize() const override;
+    QRectF frameBoundingRect(QTextFrame *frame) const override;
+    QRectF blockBoundingRect(const QTextBlock &block) const override;
+
+protected:
+    void documentChanged(int from, int charsRemoved, int charsAdded) override;
+
+private:
+    using Formats = QVector<QTextLayout::FormatRange>;
+
+    qreal margin() const { return document()->documentMargin(); }
+    qreal blockHeight(const QTextBlock &block) const;
+    QTextBlock blockAt(qreal y) const;
+    QRectF blockRect(const QTextBlock &block) const;
+    int lineCountOf(QTextBlock block) const;
+    void countLines(QTextBlock block, int lastPosition);
+    void geometryChanged();
+    void measureFont();
+    int wantedColumns() const;
+    bool hasOddCharacters(int from, int length) const;
+    QTextLayout *layOut(const QTextBlock &block) const;
+    void layOutLine(QTextLayout *layout, const QTextBlock &block, int line) const;
+    int lineOfLongBlock(const QTextBlock &block, qreal y) const;
+    void drawLongBlock(QPainter *painter, const QTextBlock &block, const Formats &selections,
+                       const QRectF &clip) const;
+
+    QTextEdit *m_edit;
+    int m_columns = 1;
+    int m_length = 0; // of the document, before the change that is being told
+    int m_longest = 0; // line of the document, in columns; it may have gone since
+    bool m_isFixedPitch = false;
+    bool m_hasOddCharacters = false; // in the document, since it was last empty
+    bool m_updatesHeld = false;
+    qreal m_lineHeight = 1;
+    qreal m_linePitch = 1; // from one line to the next of the same block
+    qreal m_columnWidth = 1;
+    mutable std::vector<QTextCursor> m_laidOut; // one in each block that has a text layout
+};
