@@ -91,13 +91,16 @@ QString difference(QTextEdit &a, QTextEdit &b)
 {
     if (a.toPlainText() != b.toPlainText())
         return QStringLiteral("text");
-    for (const auto bar : {&QTextEdit::verticalScrollBar, &QTextEdit::horizontalScrollBar}) {
-        const int maximum = ((a.*bar)())->maximum();
-        if (maximum != ((b.*bar)())->maximum())
-            return QStringLiteral("scroll range %1, %2").arg(maximum).arg(((b.*bar)())->maximum());
-        ((a.*bar)())->setValue(maximum / 2);
-        ((b.*bar)())->setValue(maximum / 2);
+    for (const auto function : {&QTextEdit::verticalScrollBar, &QTextEdit::horizontalScrollBar}) {
+        QScrollBar *const barA = (a.*function)();
+        QScrollBar *const barB = (b.*function)();
+        // The toolkit lays out bit by bit.
+        if (!QTest::qWaitFor([&] { return barA->maximum() == barB->maximum(); }))
+            return QStringLiteral("scroll range %1, %2").arg(barA->maximum()).arg(barB->maximum());
+        barA->setValue(barA->maximum() / 2);
+        barB->setValue(barB->maximum() / 2);
     }
+    QVector<int> heights{-100000, 100000};
     for (int position = 0; position < a.document()->characterCount(); position += 3) {
         QTextCursor inA(a.document());
         QTextCursor inB(b.document());
@@ -105,15 +108,14 @@ QString difference(QTextEdit &a, QTextEdit &b)
         inB.setPosition(position);
         if (a.cursorRect(inA) != b.cursorRect(inB))
             return QStringLiteral("cursor at %1").arg(position);
+        heights.append(a.cursorRect(inA).center().y());
     }
-    for (int y = -10; y < a.height() + 10; y += 3) {
-        for (int x = -5; x < a.width(); x += 31) {
-            const QPoint point(x, y);
-            const int hitA = a.cursorForPosition(point).position();
-            const int hitB = b.cursorForPosition(point).position();
-            if (hitA != hitB)
-                return QStringLiteral("hit at %1,%2: %3, %4").arg(x).arg(y).arg(hitA).arg(hitB);
-        }
+    for (const int y : qAsConst(heights)) {
+        const QPoint point(y * 7 % 300, y);
+        const int hitA = a.cursorForPosition(point).position();
+        const int hitB = b.cursorForPosition(point).position();
+        if (hitA != hitB)
+            return QStringLiteral("hit at %1: %2, %3").arg(y).arg(hitA).arg(hitB);
     }
     if (a.viewport()->grab().toImage() != b.viewport()->grab().toImage())
         return QStringLiteral("picture");
@@ -216,6 +218,7 @@ void TestTerminalWidget::looksScrollsAndSelectsLikeATextEdit()
         cursor.setPosition(to, QTextCursor::KeepAnchor);
         edit.setTextCursor(cursor);
     };
+    plain.setCursorWidth(0);
     view.setCursorWidth(0); // the output cursor of the one has no counterpart in the other
     view.show();
     plain.show();
@@ -507,6 +510,8 @@ void TestTerminalWidget::pasteStandsAfterCopyInTheMenu()
 {
     View view;
     for (const bool hasCopy : {true, false}) {
+        announceWarning(QStringLiteral("This plugin does not support raise()"));
+        announceWarning(QStringLiteral("This plugin does not support grabbing the keyboard"));
         QStringList texts;
         QTimer::singleShot(0, this, [&] {
             auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
@@ -520,7 +525,7 @@ void TestTerminalWidget::pasteStandsAfterCopyInTheMenu()
         view.setTextInteractionFlags(hasCopy ? Qt::TextSelectableByMouse : Qt::TextEditable);
         QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5));
         QCoreApplication::sendEvent(view.viewport(), &event);
-        const int place = texts.lastIndexOf(QStringLiteral("&Paste"));
+        const int place = texts.indexOf(QStringLiteral("&Paste"));
         QVERIFY(place > 0);
         QCOMPARE(texts.at(place - 1), QStringLiteral("&Copy"));
     }
@@ -538,6 +543,7 @@ void TestTerminalWidget::replacedTerminalIsHeardButNotRead()
     QCOMPARE(view.shown(), QStringLiteral("\n"));
     view.setTerminal(&view.terminal); // connected for the second time
     process.start(QStringLiteral("/no/such"));
+    process.waitForFinished();
     QCOMPARE(view.shown(), QStringLiteral("\n/no/such\n/no/such\n"));
     view.push("");
     QCOMPARE(view.shown().section(QLatin1Char('\n'), -1), QStringLiteral("not read"));

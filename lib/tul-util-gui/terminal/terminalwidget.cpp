@@ -191,12 +191,11 @@ void TerminalWidget::init()
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setReadOnly(true);
     setUndoRedoEnabled(false);
-    d->standardCursorWidth = standardCellWidth(this);
-    setCursorWidth(d->standardCursorWidth);
-    setWindowTitle(tr("Terminal"));
-
     d->layout = new TextGridLayout(this);
     document()->setDocumentLayout(d->layout);
+    d->standardCursorWidth = standardCellWidth(this);
+    setCursorWidth(d->standardCursorWidth); // kept by the layout
+    setWindowTitle(tr("Terminal"));
     d->outputCursor = QTextCursor(document());
 
     d->pasteAction = new QAction(tr("&Paste"), this);
@@ -277,6 +276,7 @@ void TerminalWidget::clear()
     for (const Arrival &arrival : d->arrivals)
         d->interpreter.interpret(arrival.bytes.mid(arrival.shown), nothing);
     d->arrivals.clear();
+    d->arrivalTimer.stop();
     QTextEdit::clear();
 }
 

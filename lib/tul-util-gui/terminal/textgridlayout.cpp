@@ -11,9 +11,12 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace
 {
+
+using Formats = QVector<QTextLayout::FormatRange>;
 
 constexpr qreal farAway = 1e9; // beyond any document, in pixels
 
@@ -22,48 +25,46 @@ int textLength(const QTextBlock &block)
     return block.length() - 1; // without its separator
 }
 
-/// How many lines the text of a block takes. As in the toolkit, the blanks after a full line belong
-/// to it.
+bool isOdd(QChar character)
+{
+    const ushort code = character.unicode();
+    return code < ' ' || code > '~';
+}
+
+/// How many lines the text of a block takes where all characters are of one width. As in the
+/// toolkit, blanks never begin a line that is wrapped: they belong to the line before, however many
+/// there are, and those that a text begins with have one more character with them.
 int linesOfText(const QString &text, int columns)
 {
-    int lines = 0;
-    int at = 0;
-    do {
-        ++lines;
-        if (text.size() - at <= columns)
-            return lines;
-        at += columns;
+    const auto behindBlanks = [&](int at) {
         while (at < text.size() && text.at(at) == QLatin1Char(' '))
             ++at;
-    } while (at < text.size());
+        return at;
+    };
+    int lines = 1;
+    int at = std::max(behindBlanks(0) + 1, columns);
+    for (at = behindBlanks(at); at < text.size(); at = behindBlanks(at + columns))
+        ++lines;
     return lines;
 }
 
-QTextLayout::FormatRange rangeWithin(QTextLayout::FormatRange range, int start, int length)
+/// What of `ranges` touches the piece of text from `start`, counted from there. They may begin
+/// before it, because the toolkit rounds pixels otherwise where a range begins with the text.
+Formats rangesWithin(Formats ranges, int start, int length)
 {
-    const int end = std::min(range.start + range.length - start, length);
-    range.start = std::max(range.start - start, 0);
-    range.length = end - range.start;
-    return range;
+    const auto isElsewhere = [&](const QTextLayout::FormatRange &range) {
+        return range.start >= start + length || range.start + range.length <= start;
+    };
+    ranges.erase(std::remove_if(ranges.begin(), ranges.end(), isElsewhere), ranges.end());
+    for (QTextLayout::FormatRange &range : ranges)
+        range.start -= start;
+    return ranges;
 }
 
-/// What of `ranges` lies in the piece of text from `start`, counted from there.
-QVector<QTextLayout::FormatRange> rangesWithin(const QVector<QTextLayout::FormatRange> &ranges,
-                                               int start, int length)
+Formats selectionsIn(const QTextBlock &block,
+                     const QAbstractTextDocumentLayout::PaintContext &context)
 {
-    QVector<QTextLayout::FormatRange> result;
-    for (const QTextLayout::FormatRange &range : ranges) {
-        const QTextLayout::FormatRange part = rangeWithin(range, start, length);
-        if (part.length > 0)
-            result.append(part);
-    }
-    return result;
-}
-
-QVector<QTextLayout::FormatRange>
-selectionsIn(const QTextBlock &block, const QAbstractTextDocumentLayout::PaintContext &context)
-{
-    QVector<QTextLayout::FormatRange> ranges;
+    Formats ranges;
     for (const QAbstractTextDocumentLayout::Selection &selection : context.selections) {
         QTextLayout::FormatRange range;
         range.start = selection.cursor.selectionStart();
@@ -89,6 +90,7 @@ TextGridLayout::TextGridLayout(QTextEdit *edit)
     , m_edit(edit)
 {
     setPaintDevice(edit->viewport());
+    measureFont();
 }
 
 qreal TextGridLayout::blockTop(int number) const
@@ -102,7 +104,8 @@ qreal TextGridLayout::blockHeight(const QTextBlock &block) const
     return (block.lineCount() - 1) * m_linePitch + m_lineHeight;
 }
 
-/// The block at `y`, or the nearest one.
+/// The block at `y`, or the nearest one. What is exactly between two blocks belongs to the upper
+/// one.
 QTextBlock TextGridLayout::blockAt(qreal y) const
 {
     int first = 0;
@@ -122,9 +125,8 @@ QTextBlock TextGridLayout::blockAt(qreal y) const
 QSizeF TextGridLayout::documentSize() const
 {
     const QTextBlock last = document()->lastBlock();
-    const qreal width = std::ceil(m_longest * m_columnWidth) + 2 * margin();
-    const qreal height = blockTop(last.blockNumber()) + blockHeight(last) + margin();
-    return {std::max(width, document()->pageSize().width()), height};
+    return {document()->pageSize().width(),
+            blockTop(last.blockNumber()) + blockHeight(last) + margin()};
 }
 
 QRectF TextGridLayout::frameBoundingRect(QTextFrame *) const
@@ -163,7 +165,7 @@ QTextLayout *TextGridLayout::layOut(const QTextBlock &block) const
     qreal y = 0;
     for (QTextLine line = layout->createLine(); line.isValid(); line = layout->createLine()) {
         line.setLeadingIncluded(true);
-        line.setNumColumns(m_columns, document()->pageSize().width() - 2 * margin());
+        line.setNumColumns(m_columns, m_lineWidth);
         line.setPosition({0, y});
         y += m_linePitch;
     }
@@ -182,42 +184,62 @@ void TextGridLayout::releaseLines()
     m_laidOut.clear();
 }
 
+qreal TextGridLayout::lineWidth() const
+{
+    const qreal width = document()->pageSize().width();
+    return width < 0 ? farAway : std::max(width - 2 * margin(), 0.0);
+}
+
+/// How many characters there can be in a line.
 int TextGridLayout::wantedColumns() const
 {
-    return m_edit->lineWrapMode() == QTextEdit::FixedColumnWidth
+    const int columns = m_edit->lineWrapMode() == QTextEdit::FixedColumnWidth
         ? std::max(m_edit->lineWrapColumnOrWidth(), 1)
         : std::numeric_limits<int>::max();
+    if (!m_isFixedPitch)
+        return columns;
+    return static_cast<int>(std::clamp<qreal>(std::floor(lineWidth() / m_widest), 1, columns));
 }
 
 void TextGridLayout::measureFont()
 {
-    const QFont font = document()->defaultFont();
-    QTextLayout layout(QStringLiteral("M"), font, paintDevice());
+    m_font = document()->defaultFont();
+    m_isFixedPitch = QFontInfo(m_font).fixedPitch();
+    QTextLayout layout(QStringLiteral("M"), m_font, paintDevice());
     layout.beginLayout();
     QTextLine line = layout.createLine();
     line.setLeadingIncluded(true);
     line.setNumColumns(1);
     layout.endLayout();
     m_lineHeight = std::max<qreal>(line.height(), 1);
-    m_linePitch = std::max<qreal>(std::min(m_lineHeight + line.leading(), m_lineHeight), 1);
-    m_columnWidth = line.naturalTextWidth();
+    m_linePitch = std::clamp<qreal>(m_lineHeight + line.leading(), 1, m_lineHeight);
+
+    const QFontMetricsF metrics(m_font, paintDevice());
+    m_advances.fill(0);
+    for (char character = ' '; character <= '~'; ++character)
+        m_advances[static_cast<unsigned char>(character)]
+            = metrics.horizontalAdvance(QLatin1Char(character));
+    m_widest = m_isFixedPitch ? line.naturalTextWidth()
+                              : *std::max_element(m_advances.begin(), m_advances.end());
+    m_widest = std::max<qreal>(m_widest, 1);
 }
 
-/// The font, the number of columns or the size of the page may be another one.
+/// The font, the number of columns or the width of the page may be another one.
 void TextGridLayout::geometryChanged()
 {
+    const bool fitted = fits(m_longest);
+    const bool isSameFont = document()->defaultFont() == m_font;
+    if (!isSameFont)
+        measureFont();
     const int columns = wantedColumns();
-    const bool isFixedPitch = QFontInfo(document()->defaultFont()).fixedPitch();
-    measureFont();
-    // Lines that are shaped to be counted depend on the font itself.
-    const bool depends = columns != m_columns || isFixedPitch != m_isFixedPitch || !isFixedPitch
-        || m_hasOddCharacters;
+    if (isSameFont && columns == m_columns && lineWidth() == m_lineWidth)
+        return;
     m_columns = columns;
-    m_isFixedPitch = isFixedPitch;
-    if (depends) {
-        m_longest = 0;
-        countLines(document()->begin(), document()->characterCount());
-    }
+    m_lineWidth = lineWidth();
+    if (fitted && fits(m_longest) && !m_hasOddCharacters)
+        return; // each block is one line, before and now
+    m_longest = 0;
+    countLines(document()->begin(), document()->characterCount());
 }
 
 void TextGridLayout::documentChanged(int from, int charsRemoved, int charsAdded)
@@ -235,8 +257,14 @@ void TextGridLayout::documentChanged(int from, int charsRemoved, int charsAdded)
             m_longest = 0;
         }
         const int end = std::min(from + charsAdded, length - 1);
-        m_hasOddCharacters = m_hasOddCharacters || hasOddCharacters(from, end - from);
+        const QString text = m_hasOddCharacters ? QString() : textOf(document(), from, end - from);
+        m_hasOddCharacters
+            = m_hasOddCharacters || std::any_of(text.begin(), text.end(), [](QChar character) {
+                  return isOdd(character) && character != QChar::ParagraphSeparator;
+              });
         countLines(document()->findBlock(from), end);
+        // A text layout that somebody asked for meanwhile went along with the rest of its block.
+        document()->findBlock(end).clearLayout();
     }
     Q_EMIT documentSizeChanged(documentSize());
     if (!m_updatesHeld) {
@@ -245,21 +273,11 @@ void TextGridLayout::documentChanged(int from, int charsRemoved, int charsAdded)
     }
 }
 
-bool TextGridLayout::hasOddCharacters(int from, int length) const
-{
-    const QString text = textOf(document(), from, length);
-    return std::any_of(text.begin(), text.end(), [](QChar character) {
-        const ushort code = character.unicode();
-        return (code < ' ' || code > '~') && code != QChar::ParagraphSeparator;
-    });
-}
-
 void TextGridLayout::countLines(QTextBlock block, int lastPosition)
 {
     for (; block.isValid() && block.position() <= lastPosition; block = block.next()) {
-        const int length = textLength(block);
-        m_longest = std::max(m_longest, std::min(length, m_columns));
-        const int lines = length <= m_columns && !m_hasOddCharacters ? 1 : lineCountOf(block);
+        m_longest = std::max(m_longest, textLength(block));
+        const int lines = lineCountOf(block);
         if (block.lineCount() != lines)
             block.setLineCount(lines);
     }
@@ -270,13 +288,34 @@ int TextGridLayout::lineCountOf(QTextBlock block) const
     const int length = textLength(block);
     if (length > longBlock)
         return (length - 1) / m_columns + 1;
-    if (m_isFixedPitch && !(m_hasOddCharacters && hasOddCharacters(block.position(), length)))
-        return linesOfText(block.text(), m_columns);
+    if (fits(length) && !m_hasOddCharacters)
+        return 1;
+    const QString text = block.text();
+    if (!m_hasOddCharacters || std::none_of(text.begin(), text.end(), isOdd)) {
+        if (m_isFixedPitch)
+            return linesOfText(text, m_columns);
+        if (length <= m_columns && widthOf(text) <= m_lineWidth)
+            return 1;
+    }
     block.clearLayout();
     const int lines = layOut(block)->lineCount();
     block.clearLayout();
     m_laidOut.pop_back();
     return lines;
+}
+
+/// Whether any text of so many usual characters is one line.
+bool TextGridLayout::fits(int length) const
+{
+    return length <= m_columns && length * m_widest <= m_lineWidth;
+}
+
+/// A little more than the text takes, whatever shaping does to neighbours.
+qreal TextGridLayout::widthOf(const QString &text) const
+{
+    return std::accumulate(
+        text.begin(), text.end(), text.size() * 0.5,
+        [&](qreal width, QChar character) { return width + m_advances.at(character.unicode()); });
 }
 
 int TextGridLayout::lineEnd(int position)
@@ -288,13 +327,17 @@ int TextGridLayout::lineEnd(int position)
         const int line = std::min(position - start, length - 1) / m_columns;
         return start + static_cast<int>(std::min<qint64>((line + 1LL) * m_columns, length));
     }
-    if (length <= m_columns && !m_hasOddCharacters)
+    if (fits(length) && !m_hasOddCharacters)
         return start + length;
     // The text may have changed without the layout having been told yet.
     releaseLines();
     block.clearLayout();
-    const QTextLine line = layOut(block)->lineForTextPosition(position - start);
-    return start + line.textStart() + line.textLength();
+    const QTextLayout *const layout = layOut(block);
+    const QTextLine line = layout->lineForTextPosition(position - start);
+    const int end = start + line.textStart() + line.textLength();
+    // The blank at which a line is wrapped counts as its end.
+    const bool isWrapped = line.lineNumber() < layout->lineCount() - 1;
+    return isWrapped && document()->characterAt(end - 1).isSpace() ? end - 1 : end;
 }
 
 void TextGridLayout::draw(QPainter *painter, const PaintContext &context)
@@ -316,7 +359,8 @@ void TextGridLayout::draw(QPainter *painter, const PaintContext &context)
     }
 }
 
-int TextGridLayout::lineOfLongBlock(const QTextBlock &block, qreal y) const
+/// The line of a block at `y`, or the nearest one. Where lines overlap, the lower one counts.
+int TextGridLayout::lineInBlock(const QTextBlock &block, qreal y) const
 {
     const qreal line = std::floor((y - blockTop(block.blockNumber())) / m_linePitch);
     return static_cast<int>(std::clamp<qreal>(line, 0, block.lineCount() - 1));
@@ -339,8 +383,9 @@ void TextGridLayout::layOutLine(QTextLayout *layout, const QTextBlock &block, in
 void TextGridLayout::drawLongBlock(QPainter *painter, const QTextBlock &block,
                                    const Formats &selections, const QRectF &clip) const
 {
-    const int last = lineOfLongBlock(block, clip.bottom());
-    for (int line = lineOfLongBlock(block, clip.top()); line <= last; ++line) {
+    const int last = lineInBlock(block, clip.bottom());
+    const qreal overlap = m_lineHeight - m_linePitch;
+    for (int line = lineInBlock(block, clip.top() - overlap); line <= last; ++line) {
         QTextLayout layout(QString(), document()->defaultFont(), paintDevice());
         layOutLine(&layout, block, line);
         layout.draw(painter, QPointF(), rangesWithin(selections, line * m_columns, m_columns));
@@ -366,15 +411,18 @@ int TextGridLayout::hitTest(const QPointF &point, Qt::HitTestAccuracy accuracy) 
     const QTextBlock block = blockAt(point.y());
     QTextLayout longLine(QString(), document()->defaultFont(), paintDevice());
     const QTextLayout *layout = layOut(block);
-    const int lineNumber = lineOfLongBlock(block, point.y());
+    const int lineNumber = lineInBlock(block, point.y());
     if (!layout)
         layOutLine(&longLine, block, lineNumber);
     const QTextLine line = layout ? layout->lineAt(std::min(lineNumber, layout->lineCount() - 1))
                                   : longLine.lineAt(0);
     const QPointF origin = layout ? layout->position() : longLine.position();
-    const QRectF rect = line.naturalTextRect().translated(origin);
-    if (accuracy == Qt::ExactHit && !rect.contains(point))
+    if (accuracy == Qt::ExactHit && !line.naturalTextRect().translated(origin).contains(point))
         return -1;
+    if (point.y() < origin.y() && block.position() == 0)
+        return 0;
+    if (point.y() > blockRect(block).bottom() && !block.next().isValid())
+        return block.position() + textLength(block);
     const int start = block.position() + (layout ? 0 : lineNumber * m_columns);
     return start + line.xToCursor(point.x() - origin.x());
 }

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QAbstractTextDocumentLayout>
+#include <QFont>
 #include <QTextCursor>
+#include <QTextLayout>
 #include <QVector>
 
+#include <array>
 #include <vector>
 
 class QTextBlock;
@@ -70,22 +73,30 @@ private:
     void geometryChanged();
     void measureFont();
     int wantedColumns() const;
-    bool hasOddCharacters(int from, int length) const;
+    bool fits(int length) const;
+    qreal widthOf(const QString &text) const;
+    qreal lineWidth() const;
     QTextLayout *layOut(const QTextBlock &block) const;
     void layOutLine(QTextLayout *layout, const QTextBlock &block, int line) const;
-    int lineOfLongBlock(const QTextBlock &block, qreal y) const;
+    int lineInBlock(const QTextBlock &block, qreal y) const;
     void drawLongBlock(QPainter *painter, const QTextBlock &block, const Formats &selections,
                        const QRectF &clip) const;
 
     QTextEdit *m_edit;
-    int m_columns = 1;
     int m_length = 0; // of the document, before the change that is being told
-    int m_longest = 0; // line of the document, in columns; it may have gone since
-    bool m_isFixedPitch = false;
+    int m_longest = 0; // block of the document, in characters; it may have gone since
     bool m_hasOddCharacters = false; // in the document, since it was last empty
     bool m_updatesHeld = false;
+
+    // In effect since geometryChanged(): a line ends after so many columns, or at so many pixels.
+    int m_columns = 1;
+    qreal m_lineWidth = 0;
+    QFont m_font;
+    bool m_isFixedPitch = false;
     qreal m_lineHeight = 1;
     qreal m_linePitch = 1; // from one line to the next of the same block
-    qreal m_columnWidth = 1;
+    qreal m_widest = 1; // of the usual characters
+    std::array<qreal, 128> m_advances = {}; // of each of them
+
     mutable std::vector<QTextCursor> m_laidOut; // one in each block that has a text layout
 };
