@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <limits>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
@@ -15,7 +16,7 @@
 namespace
 {
 
-constexpr int readSize = 1 << 16;
+constexpr std::size_t readSize = 1 << 16;
 constexpr int drainRounds = 16;
 
 template<class Call> auto retried(Call call)
@@ -144,11 +145,11 @@ void PseudoTerminal::drain()
 /// By whoever hears of the bytes, the object may have been deleted afterwards: not when HungUp.
 PseudoTerminal::Reading PseudoTerminal::readOnce()
 {
-    QByteArray bytes(readSize, Qt::Uninitialized);
-    const ssize_t length = retried([&] { return ::read(m_master, bytes.data(), readSize); });
+    std::vector<char> room(readSize);
+    const ssize_t length = retried([&] { return ::read(m_master, room.data(), room.size()); });
     if (length <= 0)
         return length == -1 && errno == EAGAIN ? Reading::Nothing : Reading::HungUp;
-    bytes.truncate(static_cast<int>(length));
+    QByteArray bytes(room.data(), static_cast<int>(length));
     // The echo of an erased character.
     bytes.replace(QByteArrayLiteral("\b \b"), QByteArrayLiteral("\b\x1b[K"));
     Q_EMIT arrived(bytes);

@@ -275,7 +275,9 @@ void TextGridLayout::documentChanged(int from, int charsRemoved, int charsAdded)
 
 void TextGridLayout::countLines(QTextBlock block, int lastPosition)
 {
-    for (; block.isValid() && block.position() <= lastPosition; block = block.next()) {
+    int position = block.position(); // kept along, because a block has to climb a tree for it
+    for (; block.isValid() && position <= lastPosition; block = block.next()) {
+        position += block.length();
         m_longest = std::max(m_longest, textLength(block));
         const int lines = lineCountOf(block);
         if (block.lineCount() != lines)
