@@ -2,6 +2,7 @@
 #include <workbench/filespage.h>
 #include <workbench/pages.h>
 #include <workbench/widgetspage.h>
+#include <workbench/terminalpage.h>
 
 QVector<WorkbenchPage *> createPages(QWidget *parent)
 {
@@ -9,5 +10,6 @@ QVector<WorkbenchPage *> createPages(QWidget *parent)
         new ArrayPage(parent),
         new FilesPage(parent),
         new WidgetsPage(parent),
+        new TerminalPage(parent),
     };
 }
