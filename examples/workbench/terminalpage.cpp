@@ -156,24 +156,30 @@ void TerminalPage::prepareShot(const QString &shot)
     } else if (shot == QLatin1String("terminal-crash")) {
         runToEnd(QStringLiteral("sh -c \"echo 'Reading the input'; kill -SEGV $$\""));
     } else if (shot == QLatin1String("terminal-python")) {
-        runToEnd(QStringLiteral("python3 -i"),
-                 QStringLiteral("6 * 7\nimport math\nmath.pi\n1 / 0\nexit(3)\n"));
+        m_pseudoTerminal->setChecked(true);
+        runToEnd(QStringLiteral("python3"),
+                 {"6 * 7\n", "import math\n", "math.pi\n", "1 / 0\n", "exit(3)\n"});
+        m_pseudoTerminal->setChecked(false);
     } else {
         showWindowShot();
     }
 }
 
-void TerminalPage::runToEnd(const QString &command, const QString &input)
+/// Runs a command that reads what is written at each of its prompts.
+void TerminalPage::runToEnd(const QString &command, QVector<QByteArray> input)
 {
     QEventLoop loop;
     connect(m_session, &TerminalSession::runningChanged, &loop, [&] {
         if (!m_session->isRunning())
             loop.quit();
     });
+    connect(m_widget, &QTextEdit::textChanged, &loop, [&] {
+        if (!input.isEmpty() && m_widget->toPlainText().endsWith(QLatin1String(">>> ")))
+            m_session->terminal()->write(input.takeFirst());
+    });
     QTimer::singleShot(shotPatience, &loop, &QEventLoop::quit);
     m_command->setText(command);
     run(command);
-    m_session->terminal()->write(input.toUtf8());
     if (m_session->isRunning())
         loop.exec();
 }
@@ -181,7 +187,8 @@ void TerminalPage::runToEnd(const QString &command, const QString &input)
 /// Shows the window inside the page, with a frame and a title that are in the picture.
 void TerminalPage::showWindowShot()
 {
-    QWidget *const window = runInWindow(QStringLiteral("seq 1 9"));
+    m_command->setText(QStringLiteral("seq 1 8"));
+    QWidget *const window = runInWindow(m_command->text());
     auto *const frame = new QMdiSubWindow(this);
     frame->setWidget(window);
     frame->show();

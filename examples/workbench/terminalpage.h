@@ -38,7 +38,7 @@ private:
     QWidget *createCommandRow();
     QWidget *createOptionRow();
     void updateButtons();
-    void runToEnd(const QString &command, const QString &input = {});
+    void runToEnd(const QString &command, QVector<QByteArray> input = {});
     void showWindowShot();
 
     TerminalSession *m_session;

@@ -155,12 +155,13 @@ QTextLayout *TextGridLayout::layOut(const QTextBlock &block) const
     if (textLength(block) > longBlock)
         return nullptr;
     QTextLayout *const layout = block.layout();
+    const int number = block.blockNumber();
+    layout->setPosition({margin(), blockTop(number)});
     if (layout->lineCount() > 0)
         return layout;
     QTextOption option = document()->defaultTextOption();
     option.setTextDirection(block.textDirection());
     layout->setTextOption(option);
-    layout->setPosition({margin(), blockTop(block.blockNumber())});
     layout->beginLayout();
     qreal y = 0;
     for (QTextLine line = layout->createLine(); line.isValid(); line = layout->createLine()) {
@@ -170,17 +171,21 @@ QTextLayout *TextGridLayout::layOut(const QTextBlock &block) const
         y += m_linePitch;
     }
     layout->endLayout();
-
-    QTextCursor place(block);
-    place.setKeepPositionOnInsert(true); // what is inserted before the block's text is in the block
-    m_laidOut.push_back(place);
+    m_laidOut.push_back(number);
     return layout;
 }
 
 void TextGridLayout::releaseLines()
 {
-    for (const QTextCursor &place : m_laidOut)
-        place.block().clearLayout();
+    releaseLines(std::numeric_limits<int>::max(), 0);
+}
+
+/// For when the numbers from `first` on have been shifted by `shift`. It does no harm to miss a
+/// block: a layout whose text has changed is never kept, and its place is looked up each time.
+void TextGridLayout::releaseLines(int first, int shift)
+{
+    for (const int number : m_laidOut)
+        document()->findBlockByNumber(number < first ? number : number + shift).clearLayout();
     m_laidOut.clear();
 }
 
@@ -236,7 +241,7 @@ void TextGridLayout::geometryChanged()
         return;
     m_columns = columns;
     m_lineWidth = lineWidth();
-    if (fitted && fits(m_longest) && !m_hasOddCharacters)
+    if (isSameFont && fitted && fits(m_longest) && !m_hasOddCharacters)
         return; // each block is one line, before and now
     m_longest = 0;
     countLines(document()->begin(), document()->characterCount());
@@ -244,13 +249,15 @@ void TextGridLayout::geometryChanged()
 
 void TextGridLayout::documentChanged(int from, int charsRemoved, int charsAdded)
 {
-    releaseLines();
+    const int blockCount = document()->blockCount();
+    const int firstBlock = document()->findBlock(from).blockNumber();
+    releaseLines(firstBlock, blockCount - m_blockCount);
+    m_blockCount = blockCount;
     const int length = document()->characterCount();
     const bool isText = charsRemoved > 0 || length != m_length;
     m_length = length;
     if (!isText) {
         geometryChanged();
-        from = 0;
     } else {
         if (length <= 1) { // nothing but the separator of the only block
             m_hasOddCharacters = false;
@@ -263,13 +270,10 @@ void TextGridLayout::documentChanged(int from, int charsRemoved, int charsAdded)
                   return isOdd(character) && character != QChar::ParagraphSeparator;
               });
         countLines(document()->findBlock(from), end);
-        // A text layout that somebody asked for meanwhile went along with the rest of its block.
-        document()->findBlock(end).clearLayout();
     }
     Q_EMIT documentSizeChanged(documentSize());
     if (!m_updatesHeld) {
-        const qreal top = blockTop(document()->findBlock(from).blockNumber());
-        Q_EMIT update(QRectF(0, top, farAway, farAway));
+        Q_EMIT update(QRectF(0, isText ? blockTop(firstBlock) : 0, farAway, farAway));
     }
 }
 
@@ -278,6 +282,7 @@ void TextGridLayout::countLines(QTextBlock block, int lastPosition)
     int position = block.position(); // kept along, because a block has to climb a tree for it
     for (; block.isValid() && position <= lastPosition; block = block.next()) {
         position += block.length();
+        block.clearLayout();
         m_longest = std::max(m_longest, textLength(block));
         const int lines = lineCountOf(block);
         if (block.lineCount() != lines)

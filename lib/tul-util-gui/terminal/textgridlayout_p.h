@@ -2,7 +2,6 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QFont>
-#include <QTextCursor>
 #include <QTextLayout>
 #include <QVector>
 
@@ -10,6 +9,7 @@
 #include <vector>
 
 class QTextBlock;
+class QTextCursor;
 class QTextEdit;
 
 /// Lays out the plain text of a text edit that wraps anywhere after a fixed number of columns, as
@@ -64,6 +64,7 @@ protected:
 private:
     using Formats = QVector<QTextLayout::FormatRange>;
 
+    void releaseLines(int first, int shift);
     qreal margin() const { return document()->documentMargin(); }
     qreal blockHeight(const QTextBlock &block) const;
     QTextBlock blockAt(qreal y) const;
@@ -84,6 +85,7 @@ private:
 
     QTextEdit *m_edit;
     int m_length = 0; // of the document, before the change that is being told
+    int m_blockCount = 1; // likewise
     int m_longest = 0; // block of the document, in characters; it may have gone since
     bool m_hasOddCharacters = false; // in the document, since it was last empty
     bool m_updatesHeld = false;
@@ -98,5 +100,5 @@ private:
     qreal m_widest = 1; // of the usual characters
     std::array<qreal, 128> m_advances = {}; // of each of them
 
-    mutable std::vector<QTextCursor> m_laidOut; // one in each block that has a text layout
+    mutable std::vector<int> m_laidOut; // the numbers of the blocks that have a text layout
 };
