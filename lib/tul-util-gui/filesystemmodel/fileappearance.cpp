@@ -22,17 +22,17 @@ QString withKind(const RemoteExtendedInformation &record, const QString &text)
 
 void FileAppearance::fill(RemoteExtendedInformation &record)
 {
-    const QFileIconProvider *const provider = m_gatherer.iconProvider();
-    if (m_provider != provider) {
-        m_provider = provider;
-        clear();
-    }
-    if (!provider || typeid(*provider) != typeid(QFileIconProvider)) {
+    if (!isShared()) {
         record = m_gatherer.getInfo(record.mFileInfo);
         return;
     }
-    record.displayType = typeText(record);
+    record.displayType = sharedTypeText(record);
     record.icon = record.mFileInfo.isNativePath() ? localIcon(record) : servedIcon(record);
+}
+
+QString FileAppearance::typeText(const RemoteExtendedInformation &record)
+{
+    return isShared() ? sharedTypeText(record) : m_gatherer.getInfo(record.mFileInfo).displayType;
 }
 
 void FileAppearance::clear()
@@ -41,7 +41,18 @@ void FileAppearance::clear()
     m_icons.clear();
 }
 
-QString FileAppearance::typeText(const RemoteExtendedInformation &record)
+/// Whether the provider is the toolkit's own, whose answers depend on few things.
+bool FileAppearance::isShared()
+{
+    const QFileIconProvider *const provider = m_gatherer.iconProvider();
+    if (m_provider != provider) {
+        m_provider = provider;
+        clear();
+    }
+    return provider && typeid(*provider) == typeid(QFileIconProvider);
+}
+
+QString FileAppearance::sharedTypeText(const RemoteExtendedInformation &record)
 {
     if (record.type() != RemoteExtendedInformation::File)
         return m_provider->type(record.mFileInfo);

@@ -25,11 +25,15 @@ public:
     /// Fills in `displayType` and `icon`.
     void fill(RemoteExtendedInformation &record);
 
+    /// The type text alone, for many files at once.
+    QString typeText(const RemoteExtendedInformation &record);
+
     /// Forgets what is shared.
     void clear();
 
 private:
-    QString typeText(const RemoteExtendedInformation &record);
+    bool isShared();
+    QString sharedTypeText(const RemoteExtendedInformation &record);
     QIcon localIcon(const RemoteExtendedInformation &record);
     QIcon servedIcon(const RemoteExtendedInformation &record) const;
 

@@ -7,48 +7,58 @@
 #include <algorithm>
 #include <utility>
 
-FileNode::FileNode() = default;
+FileNode::FileNode(const QString &name, FileNode *parentNode)
+    : fileName(name)
+    , parent(parentNode)
+{
+}
+
+FileNode::FileNode(const QString &name, FileNode *parentNode, const QFileInfo &fileInfo)
+    : fileName(name)
+    , parent(parentNode)
+    , info(fileInfo)
+    , hasInfo(true)
+{
+}
 
 FileNode::~FileNode()
 {
     if (!directory)
         return;
-    for (FileNode *const child : std::as_const(directory->children))
+    // The table finds a node's successor in the node.
+    for (const FileNode *const child : FileTree::children(this))
         delete child;
 }
 
 bool FileNode::isDirectory() const
 {
     if (hasInfo)
-        return record.type() == RemoteExtendedInformation::Dir;
-    return directory && !directory->children.isEmpty();
+        return info.isDir();
+    return directory && directory->children.size() > 0;
 }
 
 QFileDevice::Permissions FileNode::permissions() const
 {
-    return hasInfo ? record.permissions() : QFileDevice::Permissions();
+    return hasInfo ? info.permissions() : QFileDevice::Permissions();
+}
+
+void FileNode::setInfo(const QFileInfo &fileInfo)
+{
+    info = fileInfo;
+    hasInfo = true;
+    record.reset();
 }
 
 FileTree::FileTree()
-    : m_root(std::make_unique<FileNode>())
+    : m_root(std::make_unique<FileNode>(QString(), nullptr))
 {
 }
 
 FileTree::~FileTree() = default;
 
-FileNode *FileTree::find(const FileNode *parent, const QString &name) const
+FileNode *FileTree::find(const FileNode *parent, const QString &name)
 {
-    if (!parent->directory)
-        return nullptr;
-    const QMultiHash<QString, FileNode *> &children = parent->directory->children;
-    const QString key = compareKey(parent, name);
-    FileNode *found = nullptr;
-    for (auto it = children.constFind(key); it != children.constEnd() && it.key() == key; ++it) {
-        found = it.value();
-        if (found->fileName == name)
-            break;
-    }
-    return found;
+    return parent->directory ? parent->directory->children.find(name) : nullptr;
 }
 
 FileNode *FileTree::findPath(const QString &path) const
@@ -63,26 +73,24 @@ FileNode *FileTree::findPath(const QString &path) const
     return node;
 }
 
-FileNode *FileTree::add(FileNode *parent, const QString &name)
+FileNode *FileTree::add(FileNode *parent, const QString &name, const QFileInfo &info)
 {
-    auto node = std::make_unique<FileNode>();
-    node->fileName = name;
-    node->parent = parent;
-    directoryOf(parent).children.insert(compareKey(parent, name), node.get());
+    auto node = std::make_unique<FileNode>(name, parent, info);
+    directoryOf(parent).children.insert(node.get());
     return node.release();
 }
 
 void FileTree::rename(FileNode *node, const QString &name)
 {
-    QMultiHash<QString, FileNode *> &siblings = node->parent->directory->children;
-    siblings.remove(compareKey(node->parent, node->fileName), node);
+    ChildTable &siblings = node->parent->directory->children;
+    siblings.remove(node);
     node->fileName = name;
-    siblings.insert(compareKey(node->parent, name), node);
+    siblings.insert(node);
 }
 
 void FileTree::remove(FileNode *node)
 {
-    node->parent->directory->children.remove(compareKey(node->parent, node->fileName), node);
+    node->parent->directory->children.remove(node);
     markRemoved(node);
     m_removed.emplace_back(node);
     if (m_keepers == 0)
@@ -95,7 +103,7 @@ void FileTree::markRemoved(FileNode *node)
     m_dirty.remove(node);
     if (!node->directory)
         return;
-    for (FileNode *const child : std::as_const(node->directory->children))
+    for (FileNode *const child : node->directory->children)
         markRemoved(child);
 }
 
@@ -113,7 +121,7 @@ std::vector<FileNode *> FileTree::children(const FileNode *node)
     if (!node->directory)
         return all;
     all.reserve(static_cast<std::size_t>(node->directory->children.size()));
-    for (FileNode *const child : std::as_const(node->directory->children))
+    for (FileNode *const child : node->directory->children)
         all.push_back(child);
     return all;
 }
@@ -181,17 +189,12 @@ bool FileTree::isShown(const FileNode *node) const
     return true;
 }
 
-/// The key under which a parent has a child: names that the parent takes for equal have equal keys.
-QString FileTree::compareKey(const FileNode *parent, const QString &name) const
-{
-    const bool isExact = tul::nativeCaseSensitivity() == Qt::CaseSensitive && parent != root();
-    return isExact ? name : name.toLower();
-}
-
 FileDirectory &FileTree::directoryOf(FileNode *node)
 {
-    if (!node->directory)
-        node->directory = std::make_unique<FileDirectory>();
+    if (!node->directory) {
+        const auto sensitivity = node->parent ? tul::nativeCaseSensitivity() : Qt::CaseInsensitive;
+        node->directory = std::make_unique<FileDirectory>(sensitivity);
+    }
     return *node->directory;
 }
 

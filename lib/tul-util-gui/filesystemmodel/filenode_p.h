@@ -1,10 +1,10 @@
 #pragma once
 
+#include "childtable_p.h"
 #include "nodesorter_p.h"
 
 #include <tul-util-gui/filesystemmodel/remoteextendedinformation.h>
 
-#include <QHash>
 #include <QSet>
 #include <QString>
 
@@ -15,7 +15,8 @@ struct FileDirectory;
 
 /// A file that the model has seen. Owned by the FileTree, like all that hangs on it.
 struct FileNode {
-    FileNode();
+    FileNode(const QString &name, FileNode *parentNode);
+    FileNode(const QString &name, FileNode *parentNode, const QFileInfo &fileInfo);
     ~FileNode();
     FileNode(const FileNode &) = delete;
     FileNode &operator=(const FileNode &) = delete;
@@ -24,19 +25,22 @@ struct FileNode {
 
     /// What has not been inspected is a directory if something has been found in it.
     bool isDirectory() const;
-    bool isSystem() const { return hasInfo && record.type() == RemoteExtendedInformation::System; }
-    bool isHidden() const { return hasInfo && record.mFileInfo.isHidden(); }
-    bool isSymLink() const { return hasInfo && record.isSymLink(); }
-    qint64 size() const { return hasInfo ? record.size() : 0; }
+    RemoteExtendedInformation::Type type() const { return RemoteExtendedInformation(info).type(); }
+    bool isHidden() const { return hasInfo && info.isHidden(); }
+    bool isSymLink() const { return hasInfo && info.isSymLink(); }
+    qint64 size() const { return hasInfo ? RemoteExtendedInformation(info).size() : 0; }
+    QDateTime lastModified() const { return hasInfo ? info.lastModified() : QDateTime(); }
     QFileDevice::Permissions permissions() const;
+    void setInfo(const QFileInfo &fileInfo);
 
     QString fileName; ///< the path element
-    FileNode *parent = nullptr; ///< null for the root only
+    FileNode *const parent; ///< null for the root only
+    FileNode *nextInTable = nullptr; ///< of the ChildTable
     std::unique_ptr<FileDirectory> directory; ///< null as long as there were no children
-    RemoteExtendedInformation record; ///< only with hasInfo; text and icon only with hasAppearance
+    QFileInfo info; ///< only with hasInfo
+    std::unique_ptr<RemoteExtendedInformation> record; ///< null until type or icon are asked for
     int row = -1; ///< in the visible list of the parent; -1 when not shown
     bool hasInfo = false;
-    bool hasAppearance = false;
     bool populatedChildren = false; ///< the children were requested
     bool bypassesFilters = false; ///< is shown in any case, because its path was asked for
     bool isListed = false; ///< scratch: is in the list of names that has come
@@ -45,8 +49,12 @@ struct FileNode {
 
 /// What a node with children has besides.
 struct FileDirectory {
-    /// By name as compareKey() of the tree gives it. Owned.
-    QMultiHash<QString, FileNode *> children;
+    explicit FileDirectory(Qt::CaseSensitivity sensitivity)
+        : children(sensitivity)
+    {
+    }
+
+    ChildTable children; ///< owned
     std::vector<FileNode *> visible; ///< in the order shown
     int dirtyChildrenIndex = -1; ///< the first row that may be out of order; -1 for none
     std::vector<SortEntry> sorted; ///< the first rows in order, while a long listing arrives
@@ -69,16 +77,16 @@ public:
     FileNode *root() const { return m_root.get(); }
 
     /// The child of that name, or null.
-    FileNode *find(const FileNode *parent, const QString &name) const;
+    static FileNode *find(const FileNode *parent, const QString &name);
 
     /// The node of a path as the model or a request gives it, or null. The empty path is the root.
     FileNode *findPath(const QString &path) const;
 
     /// Adds a child, not shown; there must be none of that name.
-    FileNode *add(FileNode *parent, const QString &name);
+    static FileNode *add(FileNode *parent, const QString &name, const QFileInfo &info);
 
     /// Renames a node within its parent; no other child may have the name.
-    void rename(FileNode *node, const QString &name);
+    static void rename(FileNode *node, const QString &name);
 
     /// Takes a node, which is not shown, out of the tree with all below it. It is deleted when the
     /// last Keeper goes, or at once.
@@ -124,7 +132,6 @@ public:
     };
 
 private:
-    QString compareKey(const FileNode *parent, const QString &name) const;
     static FileDirectory &directoryOf(FileNode *node);
     void markRemoved(FileNode *node);
 

@@ -114,11 +114,11 @@ void GathererResults::applyList(const QString &directory, const QStringList &nam
     if (!parent || parent == m_model.tree.root() || !parent->directory)
         return;
     for (const QString &name : names) {
-        if (FileNode *const node = m_model.tree.find(parent, name))
+        if (FileNode *const node = FileTree::find(parent, name))
             node->isListed = true;
     }
     std::vector<FileNode *> missing;
-    for (FileNode *const node : std::as_const(parent->directory->children)) {
+    for (FileNode *const node : parent->directory->children) {
         if (std::exchange(node->isListed, false))
             continue;
         // What was asked for by its path may exist without being listed.
@@ -162,27 +162,26 @@ void GathererResults::applyFile(FileNode *parent, const QString &reportedName,
     if (name.isEmpty() || (!isTop && name.contains(QLatin1Char('/'))))
         return; // could not be found again by its path
 
-    FileNode *node = m_model.tree.find(parent, name);
+    FileNode *node = FileTree::find(parent, name);
     if (!info.exists() && !info.isSymLink()) {
         if (node)
             changes.removed.push_back(node);
         return;
     }
     if (!node) {
-        node = m_model.tree.add(parent, name);
-        m_model.setInfo(node, info);
+        node = FileTree::add(parent, name, info);
         if (m_model.filter.accepts(*node))
             changes.appearing.push_back(node);
         return;
     }
-    const RemoteExtendedInformation fresh(info);
-    const bool isChanged = !node->hasInfo || !isSame(node->record, fresh);
+    const bool isChanged
+        = !isSame(RemoteExtendedInformation(node->info), RemoteExtendedInformation(info));
     if (node->isDirectory() != info.isDir())
         changes.changesKind = true;
     if (isChanged)
-        m_model.setInfo(node, info);
+        node->setInfo(info);
     else
-        node->record.mFileInfo = info; // may know more by heart
+        node->info = info; // may know more by heart
     const bool isAccepted = m_model.filter.accepts(*node);
     if (isAccepted && !node->isVisible())
         changes.appearing.push_back(node);

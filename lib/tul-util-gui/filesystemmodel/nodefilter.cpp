@@ -41,7 +41,7 @@ bool NodeFilter::passesFilters(const FileNode &node) const
     if ((isDot && m_filters.testFlag(QDir::NoDot))
         || (isDotDot && m_filters.testFlag(QDir::NoDotDot)))
         return false;
-    switch (node.record.type()) {
+    switch (node.type()) {
     case RemoteExtendedInformation::Dir:
         if (!(m_filters & (QDir::Dirs | QDir::AllDirs)))
             return false;

@@ -96,7 +96,7 @@ SortEntry NodeSorter::entryOf(FileNode *node) const
         number = node->isDirectory() ? -1 : node->size();
         break;
     case RemoteFileSystemModel::DateColumn: {
-        const QDateTime date = node->hasInfo ? node->record.lastModified() : QDateTime();
+        const QDateTime date = node->lastModified();
         number = date.isValid() ? date.toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
         break;
     }

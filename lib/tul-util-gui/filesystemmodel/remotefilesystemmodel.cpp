@@ -137,7 +137,7 @@ QString RemoteFileSystemModel::fileName(const QModelIndex &index) const
 
 QFileInfo RemoteFileSystemModel::fileInfo(const QModelIndex &index) const
 {
-    return d->node(index)->record.mFileInfo;
+    return d->node(index)->info;
 }
 
 QIcon RemoteFileSystemModel::fileIcon(const QModelIndex &index) const
@@ -165,8 +165,7 @@ QString RemoteFileSystemModel::type(const QModelIndex &index) const
 
 QDateTime RemoteFileSystemModel::lastModified(const QModelIndex &index) const
 {
-    const FileNode *const node = d->node(index);
-    return node->hasInfo ? node->record.lastModified() : QDateTime();
+    return d->node(index)->lastModified();
 }
 
 QFileDevice::Permissions RemoteFileSystemModel::permissions(const QModelIndex &index) const

@@ -96,7 +96,7 @@ FileNode *RemoteFileSystemModelPrivate::node(const QString &path, bool fetch)
             elementPath += QLatin1Char('/');
         elementPath += elements.at(i);
         // Nothing is made on the way to what does not exist.
-        if (!isKnown && !tree.find(found, elements.at(i))) {
+        if (!isKnown && !FileTree::find(found, elements.at(i))) {
             if (!QFileInfo::exists(tul::requestPath(absolutePath)))
                 return root;
             isKnown = true;
@@ -112,28 +112,20 @@ FileNode *RemoteFileSystemModelPrivate::node(const QString &path, bool fetch)
 FileNode *RemoteFileSystemModelPrivate::child(FileNode *parent, const QString &name,
                                               const QString &path, bool fetch)
 {
-    FileNode *found = tree.find(parent, name);
+    FileNode *found = FileTree::find(parent, name);
     if (found && found->isVisible())
         return found;
     if (!found) {
         const QFileInfo info(tul::requestPath(path));
         if (!info.exists())
             return nullptr;
-        found = addNode(parent, name, info);
+        found = FileTree::add(parent, name, info);
     } else if (!fetch) {
         return nullptr;
     }
     found->bypassesFilters = true;
     showNodes(parent, {found});
     return found->isRemoved ? nullptr : found;
-}
-
-FileNode *RemoteFileSystemModelPrivate::addNode(FileNode *parent, const QString &name,
-                                                const QFileInfo &info)
-{
-    FileNode *const added = tree.add(parent, name);
-    setInfo(added, info);
-    return added;
 }
 
 QModelIndex RemoteFileSystemModelPrivate::index(const FileNode *node, int column) const
@@ -161,20 +153,24 @@ QString RemoteFileSystemModelPrivate::requestPath(const FileNode *node)
     return tul::requestPath(filePath(node));
 }
 
-void RemoteFileSystemModelPrivate::setInfo(FileNode *node, const QFileInfo &info)
-{
-    node->record = RemoteExtendedInformation(info);
-    node->hasInfo = true;
-    node->hasAppearance = false;
-}
-
 const RemoteExtendedInformation &RemoteFileSystemModelPrivate::record(FileNode *node)
 {
-    if (node->hasInfo && !node->hasAppearance) {
-        node->hasAppearance = true;
-        appearance.fill(node->record);
+    static const RemoteExtendedInformation none;
+    if (!node->hasInfo)
+        return none;
+    if (!node->record) {
+        auto record = std::make_unique<RemoteExtendedInformation>(node->info);
+        appearance.fill(*record);
+        node->record = std::move(record);
     }
-    return node->record;
+    return *node->record;
+}
+
+QString RemoteFileSystemModelPrivate::typeText(FileNode *node)
+{
+    if (node->record || !node->hasInfo)
+        return record(node).displayType;
+    return appearance.typeText(RemoteExtendedInformation(node->info));
 }
 
 QVariant RemoteFileSystemModelPrivate::icon(FileNode *node)
@@ -190,8 +186,8 @@ void RemoteFileSystemModelPrivate::forgetAppearances()
 {
     appearance.clear();
     for (const FileNode *const directory : directories()) {
-        for (FileNode *const child : std::as_const(directory->directory->children))
-            child->hasAppearance = false;
+        for (FileNode *const child : directory->directory->children)
+            child->record.reset();
     }
 }
 
@@ -202,8 +198,7 @@ QString RemoteFileSystemModelPrivate::sizeText(const FileNode *node)
 
 QString RemoteFileSystemModelPrivate::dateText(const FileNode *node)
 {
-    const QDateTime date = node->hasInfo ? node->record.lastModified() : QDateTime();
-    return QLocale::system().toString(date, QLocale::ShortFormat);
+    return QLocale::system().toString(node->lastModified(), QLocale::ShortFormat);
 }
 
 void RemoteFileSystemModelPrivate::list(FileNode *node)
@@ -382,7 +377,7 @@ void RemoteFileSystemModelPrivate::sortAll()
 
 NodeSorter RemoteFileSystemModelPrivate::sorter()
 {
-    return {sortColumn, sortOrder, [this](FileNode *node) { return record(node).displayType; }};
+    return {sortColumn, sortOrder, [this](FileNode *node) { return typeText(node); }};
 }
 
 /// All nodes with children.
@@ -392,7 +387,7 @@ RemoteFileSystemModelPrivate::Nodes RemoteFileSystemModelPrivate::directories() 
     if (tree.root()->directory)
         found.push_back(tree.root());
     for (std::size_t i = 0; i < found.size(); ++i) {
-        for (FileNode *const child : std::as_const(found[i]->directory->children)) {
+        for (FileNode *const child : found[i]->directory->children) {
             if (child->directory)
                 found.push_back(child);
         }
@@ -409,7 +404,7 @@ RemoteFileSystemModelPrivate::acceptedRows(const FileNode *directory) const
         if (filter.accepts(*node))
             rows.push_back(node);
     }
-    for (FileNode *const node : std::as_const(directory->directory->children)) {
+    for (FileNode *const node : directory->directory->children) {
         if (!node->isVisible() && filter.accepts(*node))
             rows.push_back(node);
     }
@@ -442,11 +437,11 @@ QModelIndex RemoteFileSystemModelPrivate::makeDirectory(FileNode *parent, const 
     const QString path = dir.absolutePath() + QLatin1Char('/') + name;
     if (name.contains(QLatin1Char('/')))
         return q->index(path);
-    FileNode *made = tree.find(parent, name);
-    if (!made)
-        made = addNode(parent, name, QFileInfo(path));
+    FileNode *made = FileTree::find(parent, name);
+    if (made)
+        made->setInfo(QFileInfo(path));
     else
-        setInfo(made, QFileInfo(path));
+        made = FileTree::add(parent, name, QFileInfo(path));
     showNodes(parent, {made});
     return made->isRemoved ? QModelIndex() : index(made);
 }
@@ -487,15 +482,15 @@ void RemoteFileSystemModelPrivate::adoptNewName(FileNode *node, const QString &n
     FileNode *const parent = node->parent;
     gatherer->removePath(requestPath(node));
     // One that was there before is gone from the disk, but its listing has not come yet.
-    FileNode *const stale = tree.find(parent, newName);
+    FileNode *const stale = FileTree::find(parent, newName);
     if (stale && stale != node)
         removeNodes(parent, {stale});
     // What is below has other paths now.
     removeNodes(node, FileTree::children(node));
     if (node->isRemoved)
         return;
-    tree.rename(node, newName);
-    setInfo(node, QFileInfo(QDir(requestPath(parent)), newName));
+    FileTree::rename(node, newName);
+    node->setInfo(QFileInfo(QDir(requestPath(parent)), newName));
     if (std::exchange(node->populatedChildren, false))
         list(node);
     tree.markDirty(parent, std::max(node->row, 0));

@@ -42,10 +42,9 @@ public:
     QString resolvedPath(const FileNode *node) const;
     static QString requestPath(const FileNode *node);
 
-    static void setInfo(FileNode *node, const QFileInfo &info);
-
-    /// The record with text and icon, which are made now if they have not been asked for before.
+    /// Type text and icon, made now if they have not been asked for before.
     const RemoteExtendedInformation &record(FileNode *node);
+    QString typeText(FileNode *node);
     QVariant icon(FileNode *node);
     void forgetAppearances();
     static QString sizeText(const FileNode *node);
@@ -97,7 +96,6 @@ public:
 private:
     RemoteFileInfoGatherer *makeGatherer() const;
     FileNode *child(FileNode *parent, const QString &name, const QString &path, bool fetch);
-    FileNode *addNode(FileNode *parent, const QString &name, const QFileInfo &info);
     NodeSorter sorter();
     Nodes directories() const;
     Nodes acceptedRows(const FileNode *directory) const;
