@@ -57,7 +57,7 @@ struct FileDirectory {
     ChildTable children; ///< owned
     std::vector<FileNode *> visible; ///< in the order shown
     int dirtyChildrenIndex = -1; ///< the first row that may be out of order; -1 for none
-    std::vector<SortEntry> sorted; ///< the first rows in order, while a long listing arrives
+    SortedRuns sorted; ///< the first rows in order, while a long listing arrives
 };
 
 /// The nodes of a model, and which of them have rows. Knows nothing of item models: whoever changes

@@ -14,7 +14,7 @@ namespace
 {
 
 const int sliceLength = 8; // milliseconds; a frame of a moving picture has 16
-const int timeCheck = 64; // files between two looks at the clock
+const int leastFiles = 8192; // in a slice: a view lays out all its rows again for each
 
 /// The permissions that come with a file's status. Those of the user in person would cost a call
 /// each on this machine's file systems.
@@ -143,7 +143,7 @@ void GathererResults::applyUpdates(Result &result, const QElapsedTimer &sliceTim
         ++result.next;
         applyFile(parent, file.first, file.second, changes);
         ++done;
-        if (done % timeCheck == 0 && sliceTime.hasExpired(sliceLength))
+        if (done >= leastFiles && sliceTime.hasExpired(sliceLength))
             break;
     }
     const bool isPart = result.next < result.updates.size();

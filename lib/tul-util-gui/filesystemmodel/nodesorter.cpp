@@ -44,9 +44,12 @@ std::vector<FileNode *> NodeSorter::inOrder(FileDirectory &directory, bool all) 
 {
     const std::size_t count = directory.visible.size();
     const auto dirty = static_cast<std::size_t>(std::max(directory.dirtyChildrenIndex, 0));
-    if (!directory.sorted.empty()) {
+    if (!directory.sorted.entries.empty()) {
         sortAhead(directory);
-        return nodesOf(std::exchange(directory.sorted, {}));
+        SortedRuns sorted = std::exchange(directory.sorted, {});
+        while (sorted.starts.size() > 1)
+            mergeLastRuns(sorted);
+        return nodesOf(sorted.entries);
     }
     // The rank of a type depends on all types.
     const bool canMerge = !all && m_column != RemoteFileSystemModel::TypeColumn;
@@ -59,12 +62,28 @@ void NodeSorter::sortAhead(FileDirectory &directory) const
 {
     if (m_column == RemoteFileSystemModel::TypeColumn)
         return;
-    Entries &sorted = directory.sorted;
-    const auto old = static_cast<Entries::difference_type>(sorted.size());
-    Entries fresh = sortedEntries(directory, sorted.size());
-    sorted.insert(sorted.end(), std::make_move_iterator(fresh.begin()),
-                  std::make_move_iterator(fresh.end()));
-    std::inplace_merge(sorted.begin(), sorted.begin() + old, sorted.end(),
+    SortedRuns &sorted = directory.sorted;
+    Entries fresh = sortedEntries(directory, sorted.entries.size());
+    sorted.starts.push_back(sorted.entries.size());
+    sorted.entries.insert(sorted.entries.end(), std::make_move_iterator(fresh.begin()),
+                          std::make_move_iterator(fresh.end()));
+    while (sorted.starts.size() > 1) {
+        const std::size_t last = sorted.starts.back();
+        const std::size_t before = sorted.starts[sorted.starts.size() - 2];
+        if (last - before >= 2 * (sorted.entries.size() - last))
+            break;
+        mergeLastRuns(sorted);
+    }
+}
+
+void NodeSorter::mergeLastRuns(SortedRuns &runs) const
+{
+    const auto at = [&runs](std::size_t position) {
+        return runs.entries.begin() + static_cast<std::ptrdiff_t>(position);
+    };
+    const std::size_t last = runs.starts.back();
+    runs.starts.pop_back();
+    std::inplace_merge(at(runs.starts.back()), at(last), runs.entries.end(),
                        [this](const SortEntry &a, const SortEntry &b) { return isLess(a, b); });
 }
 

@@ -17,6 +17,13 @@ struct SortEntry {
     QCollatorSortKey name;
 };
 
+/// Entries in runs, each of them in order and at least twice as long as the next: however many
+/// pieces come, an entry takes part in few merges.
+struct SortedRuns {
+    std::vector<SortEntry> entries;
+    std::vector<std::size_t> starts; ///< of the runs in the entries
+};
+
 /// Puts the rows of a directory in order by a column of the model, for one locale: the default one
 /// at the time when it is made.
 ///
@@ -46,6 +53,7 @@ private:
     QCollatorSortKey keyOf(const QString &text) const;
     SortEntry entryOf(FileNode *node) const;
     Entries sortedEntries(const FileDirectory &directory, std::size_t first) const;
+    void mergeLastRuns(SortedRuns &runs) const;
     void rankTypes(Entries &entries) const;
     std::vector<FileNode *> merged(const FileDirectory &directory, std::size_t dirty) const;
 
