@@ -101,7 +101,7 @@ QToolBar *FilesPage::createToolBar()
     m_localAction = addSide(tr("&This Machine"), QDir::homePath());
     m_remoteAction = addSide(tr("Re&mote Machine"), remoteRoot());
     bar->addSeparator();
-    addAction(bar, tr("&Up"), QKeySequence(Qt::ALT | Qt::Key_Up), &FilesPage::goUp);
+    addAction(bar, tr("&Up"), QKeySequence(Qt::ALT | Qt::Key_Up), &FilesPage::goToParent);
     addAction(bar, tr("Re&fresh"), QKeySequence(Qt::Key_F5), &FilesPage::refresh);
     bar->addSeparator();
     addAction(bar, tr("&New Folder"), QKeySequence(Qt::Key_F7), &FilesPage::makeFolder);
@@ -167,7 +167,7 @@ void FilesPage::showCount()
     Q_EMIT statusChanged(tr("%n entries", nullptr, m_model->rowCount(m_view->rootIndex())));
 }
 
-void FilesPage::goUp()
+void FilesPage::goToParent()
 {
     const QModelIndex root = m_view->rootIndex();
     goTo(QDir::cleanPath(m_model->filePath(root.parent())));

@@ -36,7 +36,7 @@ private:
     QAction *addAction(QToolBar *bar, const QString &text, const QKeySequence &key,
                        void (FilesPage::*slot)());
     void createView();
-    void goUp();
+    void goToParent();
     void renameCurrent();
     void askAndRemove();
     void refresh();
