@@ -1,0 +1,118 @@
+#include <tul-util-gui/filedialog/dialogstate_p.h>
+
+#include <support/testcase.h>
+
+#include <QDataStream>
+#include <QRandomGenerator>
+#include <QtTest>
+
+namespace
+{
+
+DialogState someState()
+{
+    return {QByteArray("splitter"),
+            {QUrl(QStringLiteral("file:")), QUrl::fromLocalFile(QStringLiteral("remote:/a"))},
+            {QStringLiteral("/a"), QString(), QStringLiteral("remote:/b c")},
+            QStringLiteral("/home"),
+            QByteArray("header"),
+            QFileDialog::Detail};
+}
+
+/// The bytes of some state with one of its numbers replaced, which begins at `position`.
+QByteArray patched(int position, quint32 number)
+{
+    QByteArray bytes = someState().toBytes();
+    QDataStream stream(&bytes, QIODevice::ReadWrite);
+    stream.device()->seek(position);
+    stream << number;
+    return bytes;
+}
+
+} // namespace
+
+class TestDialogState : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void hasItsFieldsInTheAgreedOrder();
+    void comesBackAsItWas();
+    void refusesWhatIsNoState_data();
+    void refusesWhatIsNoState();
+    void refusesBytesThatAreCutOff();
+    void takesUnknownViewModesForTheList();
+    void survivesAnyBytes();
+};
+
+void TestDialogState::hasItsFieldsInTheAgreedOrder()
+{
+    QDataStream stream(someState().toBytes());
+    qint32 magic = 0;
+    qint32 version = 0;
+    qint32 viewMode = -1;
+    DialogState read;
+    stream >> magic >> version >> read.splitter >> read.sidebarUrls >> read.history
+        >> read.directory >> read.header >> viewMode;
+    QVERIFY(stream.atEnd() && stream.status() == QDataStream::Ok);
+    QCOMPARE(magic, 190);
+    QCOMPARE(version, 3);
+    QCOMPARE(viewMode, 0);
+    read.viewMode = QFileDialog::Detail;
+    QCOMPARE(read.toBytes(), someState().toBytes());
+}
+
+void TestDialogState::comesBackAsItWas()
+{
+    const auto state = DialogState::fromBytes(someState().toBytes());
+    QVERIFY(state);
+    QCOMPARE(state->toBytes(), someState().toBytes());
+    QCOMPARE(state->history, someState().history);
+}
+
+void TestDialogState::refusesWhatIsNoState_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    const int urls = 8 + 4 + someState().splitter.size();
+    QTest::newRow("nothing") << QByteArray();
+    QTest::newRow("another magic") << patched(0, 191);
+    QTest::newRow("another version") << patched(4, 4);
+    QTest::newRow("more places than bytes") << patched(urls, 0x3fffffff);
+    QTest::newRow("a negative number of places") << patched(urls, 0xffffffff);
+    QTest::newRow("a few places too many") << patched(urls, 9);
+}
+
+void TestDialogState::refusesWhatIsNoState()
+{
+    QFETCH(const QByteArray, bytes);
+    QVERIFY(!DialogState::fromBytes(bytes));
+}
+
+void TestDialogState::refusesBytesThatAreCutOff()
+{
+    const QByteArray bytes = someState().toBytes();
+    for (int size = 0; size < bytes.size(); ++size)
+        QVERIFY2(!DialogState::fromBytes(bytes.left(size)), qPrintable(QString::number(size)));
+}
+
+void TestDialogState::takesUnknownViewModesForTheList()
+{
+    const int position = someState().toBytes().size() - 4;
+    QCOMPARE(DialogState::fromBytes(patched(position, 77))->viewMode, QFileDialog::List);
+}
+
+void TestDialogState::survivesAnyBytes()
+{
+    QRandomGenerator random(20);
+    for (int round = 0; round < 20000; ++round) {
+        QByteArray bytes = someState().toBytes();
+        for (quint32 changes = 1 + random.bounded(4U); changes > 0; --changes)
+            bytes[random.bounded(bytes.size())] = static_cast<char>(random.generate());
+        bytes.truncate(bytes.size() - (random.bounded(4) == 0 ? random.bounded(bytes.size()) : 0));
+        if (const auto state = DialogState::fromBytes(bytes))
+            QVERIFY(state->toBytes().size() < 2 * bytes.size() + 100);
+    }
+}
+
+QTEST_MAIN(TestDialogState)
+#include "tst_dialogstate.moc"

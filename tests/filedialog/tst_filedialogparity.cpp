@@ -1,0 +1,497 @@
+#include <tul-util-gui/filedialog/remotefiledialogbase.h>
+
+#include <support/testcase.h>
+
+#include <QAction>
+#include <QComboBox>
+#include <QCompleter>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSettings>
+#include <QStackedWidget>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QToolButton>
+#include <QTreeView>
+#include <QtTest>
+
+#include <memory>
+
+namespace
+{
+
+using Names = QStringList;
+
+QString s(const char *text)
+{
+    return QString::fromUtf8(text);
+}
+
+/// Performs steps on a file dialog of either kind, and writes down what can be seen of it.
+template<class Dialog> class Script : public QObject
+{
+public:
+    explicit Script(const QString &root)
+        : m_root(root)
+        , m_dialog(std::make_unique<Dialog>(nullptr, QString(), root))
+    {
+        const auto noting = [this](const char *what) {
+            return [this, what](const QString &value) { note(what, value); };
+        };
+        connect(dialog(), &Dialog::currentChanged, this, noting("currentChanged"));
+        connect(dialog(), &Dialog::directoryEntered, this, noting("directoryEntered"));
+        connect(dialog(), &Dialog::fileSelected, this, noting("fileSelected"));
+        connect(dialog(), &Dialog::filterSelected, this, noting("filterSelected"));
+        connect(dialog(), &Dialog::filesSelected, this, [this](const QStringList &files) {
+            note("filesSelected", files.join(QLatin1Char('|')));
+        });
+        connect(dialog(), &QDialog::finished, this,
+                [this](int result) { note("finished", QString::number(result)); });
+        connect(&m_timer, &QTimer::timeout, this, &Script::answerModal);
+        m_timer.start(1);
+        dialog()->setOption(QFileDialog::DontUseNativeDialog);
+        dialog()->setViewMode(QFileDialog::Detail);
+        dialog()->show();
+        // Whatever the dialog of the toolkit begins with, the state is up to date from here on.
+        edit()->setText(s("x"));
+        edit()->clear();
+        settle();
+    }
+
+    /// What happened and what is seen after a step.
+    QStringList run(const QString &step)
+    {
+        m_trace.clear();
+        perform(step.section(QLatin1Char(' '), 0, 0),
+                step.section(QLatin1Char(' '), 1).replace(s("ROOT"), m_root));
+        settle();
+        return m_trace + state();
+    }
+
+private:
+    Dialog *dialog() const { return m_dialog.get(); }
+    template<class W> W *child(const char *name) const
+    {
+        return dialog()->template findChild<W *>(QLatin1String(name));
+    }
+    QLineEdit *edit() const { return child<QLineEdit>("fileNameEdit"); }
+    QAbstractItemView *view() const { return child<QTreeView>("treeView"); }
+
+    void note(const char *what, const QString &value)
+    {
+        m_trace.append(s("%1(%2)").arg(QLatin1String(what), brief(value)));
+    }
+
+    /// Paths without what differs between runs, and texts in which the two differ on purpose.
+    QString brief(QString text) const
+    {
+        text.replace(m_root, s("ROOT"));
+        text.replace(QFileInfo(m_root).path(), s("UP"));
+        text.replace(s("My Computer"), s("Computer"));
+        return text.replace(s("Are sure you"), s("Are you sure you"));
+    }
+
+    void answerModal()
+    {
+        if (auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget())) {
+            for (const QAction *const action : menu->actions())
+                note("menu",
+                     s("%1 %2 %3")
+                         .arg(action->text())
+                         .arg(action->isEnabled())
+                         .arg(action->isChecked()));
+            menu->close();
+        }
+        auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!box || m_answers.isEmpty())
+            return;
+        QStringList buttons{box->windowTitle(), box->text(), QString::number(box->icon())};
+        for (QAbstractButton *const button : box->buttons())
+            buttons.append(button->text() + (button == box->defaultButton() ? s("*") : s("")));
+        note("box", buttons.join(QLatin1Char('|')));
+        box->button(m_answers.takeFirst())->click();
+    }
+
+    QModelIndex row(const QString &name) const
+    {
+        const QModelIndex root = view()->rootIndex();
+        for (int i = 0; i < view()->model()->rowCount(root); ++i) {
+            if (view()->model()->index(i, 0, root).data().toString() == name)
+                return view()->model()->index(i, 0, root);
+        }
+        return {};
+    }
+
+    Names rows() const
+    {
+        const QModelIndex root = view()->rootIndex();
+        Names names;
+        for (int i = 0; i < view()->model()->rowCount(root); ++i)
+            names.append(view()->model()->index(i, 0, root).data().toString());
+        names.sort();
+        return names;
+    }
+
+    Names expectedRows() const
+    {
+        Names patterns;
+        const QString filter = dialog()->selectedNameFilter();
+        if (filter.contains(QLatin1Char('(')))
+            patterns = filter.section(QLatin1Char('('), -1).chopped(1).split(QLatin1Char(' '));
+        Names names = QDir(dialog()->directory().path()).entryList(patterns, dialog()->filter());
+        names.sort();
+        return names;
+    }
+
+    /// Waits until the shown directory is listed.
+    void settle() const
+    {
+        if (dialog()->directory().path().startsWith(m_root))
+            QTRY_COMPARE(rows(), expectedRows());
+        QCoreApplication::processEvents();
+    }
+
+    void click(const QString &name, Qt::KeyboardModifiers modifiers, bool twice)
+    {
+        QVERIFY2(row(name).isValid(), qPrintable(name));
+        const QPoint at = view()->visualRect(row(name)).center();
+        QTest::mouseClick(view()->viewport(), Qt::LeftButton, modifiers, at);
+        if (twice)
+            QTest::mouseDClick(view()->viewport(), Qt::LeftButton, modifiers, at);
+    }
+
+    void perform(const QString &verb, const QString &arg)
+    {
+        static const QHash<QString, void (Script::*)(const QString &)> verbs{
+            {s("mode"), &Script::mode},        {s("type"), &Script::type},
+            {s("key"), &Script::key},          {s("complete"), &Script::complete},
+            {s("lookin"), &Script::lookIn},    {s("edit"), &Script::editName},
+            {s("press"), &Script::press},      {s("side"), &Script::side},
+            {s("filter"), &Script::pickFilter}};
+        if (verbs.contains(verb))
+            (this->*verbs.value(verb))(arg);
+        else if (verb == s("click") || verb == s("double"))
+            click(arg, Qt::NoModifier, verb == s("double"));
+        else if (verb == s("ctrl"))
+            click(arg, Qt::ControlModifier, false);
+        else if (verb == s("shift"))
+            click(arg, Qt::ShiftModifier, false);
+        else if (verb == s("save"))
+            dialog()->setAcceptMode(QFileDialog::AcceptSave);
+        else if (verb == s("open"))
+            dialog()->setAcceptMode(QFileDialog::AcceptOpen);
+        else if (verb == s("option"))
+            dialog()->setOption(QFileDialog::Option(arg.toInt()), true);
+        else if (verb == s("names"))
+            dialog()->setNameFilter(arg);
+        else if (verb == s("suffix"))
+            dialog()->setDefaultSuffix(arg);
+        else if (verb == s("dir"))
+            dialog()->setDirectory(arg);
+        else if (verb == s("select"))
+            dialog()->selectFile(arg);
+        else if (verb == s("text"))
+            edit()->setText(arg);
+        else if (verb == s("places"))
+            dialog()->setSidebarUrls({QUrl::fromLocalFile(arg), QUrl(s("file:"))});
+        else if (verb == s("history"))
+            dialog()->setHistory(arg.split(QLatin1Char('|')));
+        else if (verb == s("action"))
+            child<QAction>(arg.toLatin1().constData())->trigger();
+        else if (verb == s("menu"))
+            Q_EMIT view()->customContextMenuRequested(
+                arg.isEmpty() ? QPoint(5, view()->viewport()->height() - 3)
+                              : view()->visualRect(row(arg)).center());
+        else if (verb == s("answer"))
+            m_answers.append(arg == s("Yes")      ? QMessageBox::Yes
+                                 : arg == s("No") ? QMessageBox::No
+                                                  : QMessageBox::Ok);
+        else
+            QFAIL(qPrintable(verb));
+    }
+
+    void mode(const QString &number)
+    {
+        dialog()->setFileMode(QFileDialog::FileMode(number.toInt()));
+    }
+
+    void type(const QString &text)
+    {
+        dialog()->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(dialog()));
+        edit()->setFocus();
+        edit()->selectAll();
+        QTest::keyClicks(edit(), text);
+        edit()->completer()->popup()->hide();
+    }
+
+    /// A key for the edit, or, after "view", for the view.
+    void key(const QString &arg)
+    {
+        QWidget *const target
+            = arg.startsWith(s("view ")) ? static_cast<QWidget *>(view()) : edit();
+        dialog()->activateWindow();
+        target->setFocus();
+        const int code = QKeySequence(arg.section(QLatin1Char(' '), -1))[0];
+        QTest::keyClick(target, Qt::Key(code & ~Qt::KeyboardModifierMask),
+                        Qt::KeyboardModifiers(code & Qt::KeyboardModifierMask));
+    }
+
+    void press(const QString &name)
+    {
+        if (name == s("accept"))
+            child<QDialogButtonBox>("buttonBox")->buttons().constFirst()->click();
+        else
+            child<QToolButton>(name.toLatin1().constData())->click();
+    }
+
+    /// The completions of a text, of which there are going to be as many as the number says.
+    void complete(const QString &arg)
+    {
+        type(arg.section(QLatin1Char(' '), 1));
+        QCompleter *const completer = edit()->completer();
+        const auto found = [&] {
+            completer->setCompletionPrefix(edit()->text());
+            return completer->completionCount();
+        };
+        QTRY_COMPARE(found(), arg.section(QLatin1Char(' '), 0, 0).toInt());
+        Names paths;
+        for (int i = 0; i < completer->completionCount(); ++i)
+            paths.append(completer->pathFromIndex(completer->completionModel()->index(i, 0)));
+        paths.sort();
+        note("completions", paths.join(QLatin1Char('|')));
+    }
+
+    /// What the look-in box offers, but for the separator; then goes to an entry.
+    void lookIn(const QString &entry)
+    {
+        auto *const box = child<QComboBox>("lookInCombo");
+        box->showPopup();
+        Names entries;
+        for (int i = 0; i < box->count(); ++i) {
+            if (!box->itemText(i).isEmpty())
+                entries.append(
+                    box->itemText(i)
+                    + (box->model()->index(i, 0).flags() & Qt::ItemIsEnabled ? s("") : s("-")));
+        }
+        note("entries", entries.join(QLatin1Char('|')));
+        const int chosen = box->findText(entry);
+        box->view()->setCurrentIndex(box->model()->index(chosen, 0));
+        QTest::keyClick(box->view(), chosen < 0 ? Qt::Key_Escape : Qt::Key_Return);
+    }
+
+    void editName(const QString &name)
+    {
+        auto *const editor = view()->viewport()->template findChild<QLineEdit *>();
+        QVERIFY(editor);
+        note("editor", editor->text() + QLatin1Char('|') + editor->selectedText());
+        editor->setText(name);
+        QTest::keyClick(editor, Qt::Key_Return);
+    }
+
+    void side(const QString &place)
+    {
+        auto *const places = child<QListView>("sidebar");
+        const QRect rect = places->visualRect(places->model()->index(place.toInt(), 0));
+        QTest::mouseClick(places->viewport(), Qt::LeftButton, {}, rect.center());
+    }
+
+    void pickFilter(const QString &key)
+    {
+        QTest::keyClick(child<QComboBox>("fileTypeCombo"),
+                        key == s("Up") ? Qt::Key_Up : Qt::Key_Down);
+    }
+
+    QStringList state() const
+    {
+        QStringList lines{s("directory ") + dialog()->directory().path(),
+                          s("files ") + dialog()->selectedFiles().join(QLatin1Char('|')),
+                          s("history ") + dialog()->history().join(QLatin1Char('|')),
+                          s("filter %1 ").arg(int(dialog()->filter()), 0, 16)
+                              + dialog()->selectedNameFilter(),
+                          s("text ") + edit()->text(),
+                          s("look in ") + child<QComboBox>("lookInCombo")->currentText(),
+                          s("title %1 %2").arg(dialog()->windowTitle()).arg(dialog()->isVisible()),
+                          s("label ") + child<QLabel>("fileNameLabel")->text(),
+                          s("current ") + view()->currentIndex().data().toString()};
+        for (const QAbstractButton *const button : child<QDialogButtonBox>("buttonBox")->buttons())
+            lines.append(s("button %1 %2").arg(button->text()).arg(button->isEnabled()));
+        for (const char *const name : {"backButton", "forwardButton", "toParentButton",
+                                       "newFolderButton", "listModeButton", "detailModeButton"}) {
+            const auto *const button = child<QToolButton>(name);
+            lines.append(s("%1 %2 %3")
+                             .arg(QLatin1String(name))
+                             .arg(button->isEnabled())
+                             .arg(button->isDown()));
+        }
+        Names selected;
+        for (const QModelIndex &index : view()->selectionModel()->selectedRows())
+            selected.append(index.data().toString());
+        const auto *const types = child<QComboBox>("fileTypeCombo");
+        Names filters;
+        for (int i = 0; i < types->count(); ++i)
+            filters.append(types->itemText(i));
+        lines += {s("selected ") + selected.join(QLatin1Char('|')),
+                  s("types %1 %2").arg(types->isEnabled()).arg(filters.join(QLatin1Char('|')))};
+        if (dialog()->directory().path().startsWith(m_root))
+            lines += rows();
+        for (QString &line : lines)
+            line = brief(line);
+        return lines;
+    }
+
+    const QString m_root;
+    QStringList m_trace;
+    QVector<QMessageBox::StandardButton> m_answers;
+    QTimer m_timer;
+    const std::unique_ptr<Dialog> m_dialog;
+};
+
+/// Runs steps on a dialog of its own, in a folder and with settings of its own.
+template<class Dialog> QVector<QStringList> traces(const QStringList &steps)
+{
+    const QTemporaryDir temporary;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, temporary.path());
+    const QDir root(temporary.filePath(s("root")));
+    for (const char *const directory : {"sub/deep", "sub2", "empty"})
+        root.mkpath(QLatin1String(directory));
+    for (const char *const name : {"a.txt", "ab.txt", "b.png", "c d.txt", "noext", ".hidden",
+                                   "q\"u.txt", "sub/inner.txt", "sub/other.txt"}) {
+        QFile file(root.filePath(QLatin1String(name)));
+        file.open(QIODevice::WriteOnly);
+    }
+    Script<Dialog> script(root.path());
+    QVector<QStringList> result;
+    for (const QString &step : steps)
+        result.append(script.run(step));
+    return result;
+}
+
+} // namespace
+
+// The toolkit's own dialog and ours do the same steps, and are to show the same all the way. A step
+// that begins with "!" is known to end differently, for the reason at its row, and has to.
+class TestFileDialogParity : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void behavesAsTheDialogOfTheToolkit_data();
+    void behavesAsTheDialogOfTheToolkit();
+};
+
+void TestFileDialogParity::behavesAsTheDialogOfTheToolkit_data()
+{
+    QTest::addColumn<QString>("steps");
+    const auto row = [](const char *name, const char *steps) {
+        QTest::newRow(name) << QString::fromUtf8(steps);
+    };
+    row("typed names", "type a;type a.txt;type nonsense;text a.txt;key Return");
+    row("existing file",
+        "mode 1;type missing;answer OK;key Return;type sub/inner.txt;type "
+        "sub;type nodir/x;answer OK;key Return;type a.txt;key Return");
+    row("several files",
+        "mode 3;click a.txt;ctrl b.png;ctrl sub;ctrl b.png;shift c d.txt;press "
+        "backButton;type \"a.txt\" \"b.png;type \"a.txt\"\"b.png\";key Return");
+    row("a directory among files", "mode 3;type \"a.txt\" \"sub\";type c d.txt;key Return");
+    row("entering",
+        "double sub;click inner.txt;press backButton;press forwardButton;press "
+        "toParentButton;press toParentButton;press backButton;dir ROOT/sub;press "
+        "backButton;press forwardButton;dir ROOT/none;dir ROOT/a.txt;dir ROOT/sub/");
+    row("keys in the view", "key view A;key view Alt+Left;key view Backspace;key view Escape");
+    row("up to the drives", "dir /;press toParentButton;press backButton;dir ROOT");
+    row("return on a directory", "mode 1;click sub;press accept;click deep;key view Return");
+    row("directories",
+        "mode 2;click a.txt;click sub;type x;type a.txt;key Return;type "
+        "nodir/x;answer OK;key Return;type sub;key Return");
+    row("the shown directory", "mode 2;key Return");
+    row("directories only", "mode 4;click sub;key view Return;press accept");
+    row("dot dot", "double sub;!type ..;key Return;type ./a.txt;type sub/../a.txt");
+    row("saving",
+        "save;type new;type sub;key Return;type inner.txt;answer No;key Return;answer "
+        "Yes;key Return");
+    row("saving unasked", "save;option 4;type a.txt;key Return");
+    row("titles and buttons", "save;mode 2;open;save;mode 4;open;text sub;text nosuch");
+    row("suffix",
+        "save;suffix .txt;type new;type a;type noext;type dots.;type a.b;answer "
+        "Yes;type ab;key Return");
+    row("suffix and rows", "suffix txt;click noext;key view Return");
+    row("name filters",
+        "names Text (*.txt);;Images (*.png *.jpg);;All (*);filter Down;filter "
+        "Down;filter Up;filter Up;names *.png *.txt;names (*.png);names "
+        "*.png;*.txt;names Foo (x) (*.png);names A (*.txt)\nB (*.png)");
+    row("names follow the filter",
+        "save;names Text (*.txt);;Images (*.png);;All (*);text "
+        "new.txt;filter Down;filter Down;text noext;filter Up");
+    row("options", "option 1;mode 2;option 32;option 2;option 8;menu sub;menu");
+    row("selecting by call",
+        "key view Home;select a.txt;select sub;select "
+        "ROOT/sub/inner.txt;select ROOT/sub;select rel/zz;select");
+    row("completing", "complete 2 a;complete 3 sub/;complete 2 ROOT/s;complete 0 zz");
+    row("completing directories", "mode 4;complete 2 s;complete 0 a");
+    row("look-in",
+        "history ROOT/sub|ROOT/sub2;lookin none;dir ROOT/sub;lookin ROOT;lookin "
+        "ROOT/sub2;press backButton");
+    row("places", "places ROOT/sub;side 0;side 0;side 1;side 0;press backButton");
+    row("renaming",
+        "click a.txt;action qt_rename_action;edit z.txt;click sub;action "
+        "qt_rename_action;edit sub3;mode 2;click sub3;action qt_rename_action;edit s4");
+    row("deleting",
+        "mode 3;click a.txt;ctrl ab.txt;answer Yes;answer No;action "
+        "qt_delete_action;click sub;answer Yes;key view Delete");
+    row("new folders",
+        "action qt_new_folder_action;edit made;press newFolderButton;edit "
+        "more;press newFolderButton;edit New Folder;press newFolderButton");
+    row("hidden files and the menu",
+        "action qt_show_hidden_action;menu;action "
+        "qt_show_hidden_action;menu noext;menu");
+    // A quote is no reason why a file that is there could not be chosen.
+    row("by design: quote in a name", "!type q\"u.txt;!key Return");
+    // A variable stands for its value in a path that is typed.
+    row("by design: variables", "!type $HOME");
+    // What is missing among several names is told.
+    row("by design: missing among several", "mode 3;type \"a.txt\" \"zz\";!answer OK;!key Return");
+    // A hidden file that is named can be opened, and the button shows it.
+    row("by design: hidden file", "mode 1;!type .hidden");
+    // A directory does not get the suffix, and what was selected elsewhere is not chosen here.
+    row("by design: suffix of a directory", "suffix txt;!type empty;!key Return");
+    // The name of a directory that is entered is not a name in it.
+    row("by design: entered name", "text sub;!double sub");
+    // The name filters come back when files are chosen again.
+    row("by design: filters come back", "names T (*.txt);mode 2;!mode 0");
+    // Without name filters all files are shown.
+    row("by design: no name filter", "names T (*.txt);!names");
+    // A filter of patterns alone is shown as it is.
+    row("by design: only patterns", "option 64;!names *.png");
+    // A directory that does not exist is not part of a file's name.
+    row("by design: missing directory", "key view Home;!select /nonexistent/zz");
+}
+
+void TestFileDialogParity::behavesAsTheDialogOfTheToolkit()
+{
+    QFETCH(QString, steps);
+    QStringList list = steps.split(QRegularExpression(s(";(?!;|\\*)(?<!;;)")));
+    QVector<bool> differs;
+    for (QString &step : list) {
+        differs.append(step.startsWith(QLatin1Char('!')));
+        step.remove(s("!"));
+    }
+    const auto theirs = traces<QFileDialog>(list);
+    const auto ours = traces<RemoteFileDialogBase>(list);
+    for (int i = 0; i < list.size(); ++i) {
+        if (!differs.at(i))
+            QVERIFY2(ours.at(i) == theirs.at(i),
+                     qPrintable(list.at(i) + s("\n--- theirs\n") + theirs.at(i).join(s("\n"))
+                                + s("\n--- ours\n") + ours.at(i).join(s("\n"))));
+        else if (list.at(i) != s("answer OK"))
+            QVERIFY2(ours.at(i) != theirs.at(i), qPrintable(list.at(i)));
+    }
+}
+
+QTEST_MAIN(TestFileDialogParity)
+#include "tst_filedialogparity.moc"
