@@ -1,1 +1,632 @@
-int main() {}
+#include <tul-util-gui/filedialog/dialognavigation_p.h>
+#include <tul-util-gui/filedialog/dialogstate_p.h>
+#include <tul-util-gui/filedialog/remotefiledialogbase.h>
+#include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
+
+#include <support/faultyfolder.h>
+#include <support/modalsteps.h>
+#include <support/testcase.h>
+
+#include <QAction>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QGridLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSettings>
+#include <QSignalMapper>
+#include <QSortFilterProxyModel>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QTemporaryDir>
+#include <QToolButton>
+#include <QTranslator>
+#include <QTreeView>
+#include <QtTest>
+
+#include <functional>
+#include <memory>
+
+namespace
+{
+
+QString s(const char *text)
+{
+    return QString::fromUtf8(text);
+}
+
+template<class W> W *child(const QObject *parent, const char *name)
+{
+    return parent->findChild<W *>(QLatin1String(name));
+}
+
+QLineEdit *nameEdit(const RemoteFileDialogBase &dialog)
+{
+    return child<QLineEdit>(&dialog, "fileNameEdit");
+}
+
+void typeAndReturn(QWidget *target, const QString &text)
+{
+    target->setFocus();
+    QTest::keyClick(target, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(target, text);
+    QTest::keyClick(target, Qt::Key_Return);
+}
+
+QStringList rows(const RemoteFileDialogBase &dialog)
+{
+    const auto *const view = child<QListView>(&dialog, "listView");
+    QStringList names;
+    for (int row = 0; row < view->model()->rowCount(view->rootIndex()); ++row)
+        names.append(view->model()->index(row, 0, view->rootIndex()).data().toString());
+    names.sort();
+    return names;
+}
+
+ModalSteps::Step pressing(QMessageBox::StandardButton button)
+{
+    return ModalSteps::with<QMessageBox>(
+        [button](QMessageBox *box) { box->button(button)->click(); });
+}
+
+/// With the constructor and the model for all to use.
+class OpenDialog : public RemoteFileDialogBase
+{
+public:
+    using RemoteFileDialogBase::fileSystemModel;
+    using RemoteFileDialogBase::RemoteFileDialogBase;
+    explicit OpenDialog(const RemoteFileDialogBaseArgs &args)
+        : RemoteFileDialogBase(args)
+    {
+    }
+};
+
+/// Puts brackets around each text.
+class Brackets : public QTranslator
+{
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char *context, const char *text, const char *, int) const override
+    {
+        return QLatin1String(context) == QLatin1String("RemoteFileDialogBase")
+            ? QLatin1Char('[') + QString::fromUtf8(text) + QLatin1Char(']')
+            : QString();
+    }
+};
+
+} // namespace
+
+class TestRemoteFileDialogBase : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void isBuiltAsHostsKnowIt();
+    void headerShowsAndHidesColumns();
+    void mnemonicsAreUnique_data();
+    void mnemonicsAreUnique();
+    void followsTheLanguage();
+    void argumentsLeaveTheNameSelected();
+    void beginsWhereTheArgumentSays_data();
+    void beginsWhereTheArgumentSays();
+    void keepsItsLayoutForTheNextDialog();
+    void refusedStateChangesNothing();
+    void restoresFiveRecentPlaces();
+    void widensPanesThatHaveNoWidth();
+    void refusedHeaderKeepsTheRest();
+    void openCallsTheMemberOnce_data();
+    void openCallsTheMemberOnce();
+    void mayBeDeletedInItsSlots_data();
+    void mayBeDeletedInItsSlots();
+    void mayGoWithItsParentWhileABoxIsOpen_data();
+    void mayGoWithItsParentWhileABoxIsOpen();
+    void proxyModelStandsBetweenModelAndViews();
+    void deleteKeyOfThePlacesLeavesFilesAlone();
+    void readOnlyDialogChangesNoFile();
+    void staysOnTheRemoteSide();
+    void acceptsWhileTheListingIsPending();
+    void saysThatADirectoryCannotBeRead();
+    void goesUpFromADirectoryThatIsGone();
+
+private:
+    QString path(const char *name) const { return m_folder->filePath(QLatin1String(name)); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void TestRemoteFileDialogBase::init()
+{
+    TestCase::init();
+    m_folder = std::make_unique<QTemporaryDir>();
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, path("settings"));
+    DialogNavigation::lastVisitedDirectory().clear();
+    QVERIFY(QDir(m_folder->path()).mkpath(s("root/sub")));
+    QFile file(path("root/a.txt"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+}
+
+void TestRemoteFileDialogBase::isBuiltAsHostsKnowIt()
+{
+    const RemoteFileDialogBase dialog(nullptr, {}, path("root"));
+    auto *const grid = qobject_cast<QGridLayout *>(dialog.layout());
+    QVERIFY(grid);
+    QCOMPARE(grid->objectName(), s("gridLayout"));
+    const struct {
+        const char *name;
+        QRect cell; // column, row, columns, rows
+    } cells[] = {{"lookInLabel", {0, 0, 1, 1}},   {"splitter", {0, 1, 3, 1}},
+                 {"fileNameLabel", {0, 2, 1, 1}}, {"fileNameEdit", {1, 2, 1, 1}},
+                 {"buttonBox", {2, 2, 1, 2}},     {"fileTypeLabel", {0, 3, 1, 1}},
+                 {"fileTypeCombo", {1, 3, 1, 1}}};
+    for (const auto &[name, cell] : cells) {
+        auto *const widget = child<QWidget>(&dialog, name);
+        QVERIFY2(widget && widget->parent() == &dialog, name);
+        int row = -1, column = -1, rowSpan = 0, columnSpan = 0;
+        grid->getItemPosition(grid->indexOf(widget), &row, &column, &rowSpan, &columnSpan);
+        QCOMPARE(QRect(column, row, columnSpan, rowSpan), cell);
+    }
+    QCOMPARE(dialog.findChild<QComboBox *>()->objectName(), s("lookInCombo"));
+    for (const char *const view : {"sidebar", "listView", "treeView"})
+        QVERIFY(child<QAbstractItemView>(child<QSplitter>(&dialog, "splitter"), view));
+    QCOMPARE(child<QStackedWidget>(&dialog, "stackedWidget")->currentIndex(), 0);
+    QVERIFY(dialog.isSizeGripEnabled() && !dialog.isVisible());
+
+    QStringList order;
+    const QWidget *widget = child<QWidget>(&dialog, "lookInCombo");
+    for (int i = 0; i < 200; ++i, widget = widget->nextInFocusChain()) {
+        if (widget->focusPolicy() & Qt::TabFocus && !widget->objectName().startsWith(s("qt_"))
+            && !widget->objectName().isEmpty() && !order.contains(widget->objectName()))
+            order.append(widget->objectName());
+    }
+    QCOMPARE(order.join(QLatin1Char(' ')),
+             s("lookInCombo backButton forwardButton toParentButton newFolderButton "
+               "listModeButton detailModeButton sidebar listView treeView fileNameEdit "
+               "fileTypeCombo"));
+
+    for (const auto *const button :
+         dialog.findChildren<QToolButton *>(QRegularExpression(s("Button$")))) {
+        QVERIFY(!button->icon().isNull() && !button->accessibleName().isEmpty());
+        QCOMPARE(button->toolTip(), button->accessibleName());
+    }
+    QCOMPARE(child<QToolButton>(&dialog, "newFolderButton")->accessibleDescription(),
+             s("Create a New Folder"));
+    QCOMPARE(child<QAction>(&dialog, "qt_goto_parent_action")->shortcut()[0], 0x4000001);
+    QVERIFY(std::any_of(dialog.actions().cbegin(), dialog.actions().cend(),
+                        [](const QAction *a) { return a->shortcut()[0] == 0x6000048; }));
+    QCOMPARE(dialog.nameFilters(), QStringList{s("All Files (*)")});
+}
+
+void TestRemoteFileDialogBase::headerShowsAndHidesColumns()
+{
+    const RemoteFileDialogBase dialog(nullptr, {}, path("root"));
+    const auto *const header = child<QTreeView>(&dialog, "treeView")->header();
+    QCOMPARE(header->sectionSize(1), header->fontMetrics().horizontalAdvance(s("128.88 GB")));
+    QCOMPARE(header->actions().size(), 3);
+    QAction *const size = header->actions().constFirst();
+    QCOMPARE(size->text(), s("Show Size"));
+    QVERIFY(size->isChecked());
+    size->trigger();
+    QVERIFY(header->isSectionHidden(1));
+}
+
+void TestRemoteFileDialogBase::mnemonicsAreUnique_data()
+{
+    QTest::addColumn<QFileDialog::FileMode>("mode");
+    QTest::addColumn<QFileDialog::AcceptMode>("accept");
+    for (const auto mode : {QFileDialog::AnyFile, QFileDialog::Directory})
+        for (const auto accept : {QFileDialog::AcceptOpen, QFileDialog::AcceptSave})
+            QTest::addRow("%d %d", mode, accept) << mode << accept;
+}
+
+void TestRemoteFileDialogBase::mnemonicsAreUnique()
+{
+    QFETCH(const QFileDialog::FileMode, mode);
+    QFETCH(const QFileDialog::AcceptMode, accept);
+    RemoteFileDialogBase dialog(nullptr, {}, path("root"));
+    dialog.setFileMode(mode);
+    dialog.setAcceptMode(accept);
+    QStringList keys;
+    for (const auto *const label : dialog.findChildren<QLabel *>())
+        keys.append(QKeySequence::mnemonic(label->text()).toString());
+    for (const auto *const button : dialog.findChildren<QAbstractButton *>())
+        keys.append(QKeySequence::mnemonic(button->text()).toString());
+    keys.removeAll(QString());
+    QVERIFY(!keys.isEmpty());
+    QCOMPARE(keys.removeDuplicates(), 0);
+}
+
+void TestRemoteFileDialogBase::followsTheLanguage()
+{
+    RemoteFileDialogBase dialog(nullptr, {}, path("root"));
+    dialog.setLabelText(QFileDialog::Reject, s("No"));
+    Brackets brackets;
+    QCoreApplication::installTranslator(&brackets);
+    QCoreApplication::sendPostedEvents(&dialog, QEvent::LanguageChange);
+    QCoreApplication::processEvents();
+    QCOMPARE(dialog.windowTitle(), s("[Open]"));
+    QCOMPARE(dialog.labelText(QFileDialog::FileName), s("[File &name:]"));
+    QCOMPARE(dialog.labelText(QFileDialog::Accept), s("[&Open]"));
+    QCOMPARE(dialog.labelText(QFileDialog::Reject), s("No"));
+    QCOMPARE(dialog.selectedNameFilter(), s("[All Files (*)]"));
+    QCOMPARE(child<QAction>(&dialog, "qt_delete_action")->text(), s("[&Delete]"));
+    dialog.setWindowTitle(s("Mine"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    QCOMPARE(dialog.windowTitle(), s("Mine"));
+    QCoreApplication::removeTranslator(&brackets);
+}
+
+void TestRemoteFileDialogBase::argumentsLeaveTheNameSelected()
+{
+    RemoteFileDialogBaseArgs args;
+    args.caption = s("Pick");
+    args.directory = path("root");
+    args.selection = s("a.txt");
+    args.filter = s("Text (*.txt)");
+    args.mode = QFileDialog::ExistingFile;
+    args.options = QFileDialog::ReadOnly;
+    const OpenDialog dialog(args);
+    QCOMPARE(nameEdit(dialog)->selectedText(), s("a.txt"));
+    QCOMPARE(dialog.windowTitle(), s("Pick"));
+    QCOMPARE(dialog.fileMode(), QFileDialog::ExistingFile);
+    QVERIFY(dialog.isReadOnly());
+    QCOMPARE(dialog.selectedNameFilter(), s("Text (*.txt)"));
+}
+
+void TestRemoteFileDialogBase::beginsWhereTheArgumentSays_data()
+{
+    QTest::addColumn<QString>("argument");
+    QTest::addColumn<QString>("directory");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("a directory") << s("root") << s("root") << QString();
+    QTest::newRow("a file") << s("root/a.txt") << s("root") << s("a.txt");
+    QTest::newRow("a new file") << s("root/new.c") << s("root") << s("new.c");
+    QTest::newRow("a missing directory") << s("none/x.c") << s("root/sub") << s("x.c");
+    QTest::newRow("nothing") << QString() << s("root/sub") << QString();
+}
+
+void TestRemoteFileDialogBase::beginsWhereTheArgumentSays()
+{
+    QFETCH(const QString, argument);
+    QFETCH(const QString, directory);
+    QFETCH(const QString, name);
+    {
+        RemoteFileDialogBase earlier(nullptr, {}, path("root"));
+        earlier.setDirectory(path("root/sub"));
+    }
+    const RemoteFileDialogBase dialog(nullptr, {},
+                                      argument.isEmpty() ? argument : m_folder->filePath(argument));
+    QCOMPARE(dialog.directory().path(), m_folder->filePath(directory));
+    QCOMPARE(nameEdit(dialog)->text(), name);
+    QVERIFY(!child<QToolButton>(&dialog, "backButton")->isEnabled());
+}
+
+void TestRemoteFileDialogBase::keepsItsLayoutForTheNextDialog()
+{
+    const QList<QUrl> places{QUrl::fromLocalFile(path("root")), QUrl(s("file:"))};
+    {
+        RemoteFileDialogBase dialog(nullptr, {}, path("root"));
+        dialog.setSidebarUrls(places);
+        dialog.setHistory({s("/one")});
+        dialog.setViewMode(QFileDialog::Detail);
+        child<QTreeView>(&dialog, "treeView")->header()->actions().at(1)->trigger();
+        child<QTreeView>(&dialog, "treeView")->header()->resizeSection(0, 333);
+    }
+    const RemoteFileDialogBase dialog(nullptr, {}, path("root/sub"));
+    QCOMPARE(dialog.sidebarUrls(), places);
+    QCOMPARE(dialog.viewMode(), QFileDialog::Detail);
+    QCOMPARE(dialog.history(), (QStringList{s("/one"), path("root"), path("root/sub")}));
+    const auto *const header = child<QTreeView>(&dialog, "treeView")->header();
+    QCOMPARE(header->sectionSize(0), 333);
+    QVERIFY(header->isSectionHidden(2) && !header->actions().at(1)->isChecked());
+    QSettings settings(QSettings::UserScope, s("Vantorq"));
+    QVERIFY(settings.contains(s("RemoteFileDialog/state")));
+}
+
+void TestRemoteFileDialogBase::refusedStateChangesNothing()
+{
+    RemoteFileDialogBase dialog(nullptr, {}, path("root"));
+    const QByteArray before = dialog.saveState();
+    DialogState state = *DialogState::fromBytes(before);
+    state.history = QStringList{s("/x")};
+    QByteArray bytes = state.toBytes();
+    bytes[7] = 4;
+    QVERIFY(!dialog.restoreState(bytes) && !dialog.restoreState({}));
+    state.splitter = "no splitter";
+    QVERIFY(!dialog.restoreState(state.toBytes()));
+    QCOMPARE(dialog.saveState(), before);
+}
+
+void TestRemoteFileDialogBase::restoresFiveRecentPlaces()
+{
+    RemoteFileDialogBase dialog(nullptr, {}, path("root"));
+    dialog.setHistory({s("/1"), s("/2"), s("/3"), s("/4"), s("/5")});
+    QVERIFY(dialog.restoreState(dialog.saveState()));
+    QCOMPARE(dialog.history(), (QStringList{s("/2"), s("/3"), s("/4"), s("/5"), path("root")}));
+}
+
+void TestRemoteFileDialogBase::widensPanesThatHaveNoWidth()
+{
+    RemoteFileDialogBase dialog(nullptr, {}, path("root"));
+    QSplitter collapsed;
+    collapsed.addWidget(new QWidget);
+    collapsed.addWidget(new QWidget);
+    collapsed.setSizes({0, 0});
+    DialogState state = *DialogState::fromBytes(dialog.saveState());
+    state.splitter = collapsed.saveState();
+    QVERIFY(dialog.restoreState(state.toBytes()));
+    dialog.show();
+    const QList<int> sizes = child<QSplitter>(&dialog, "splitter")->sizes();
+    QVERIFY2(sizes.at(0) > 0 && sizes.at(0) < sizes.at(1),
+             qPrintable(QString::number(sizes.at(0))));
+}
+
+void TestRemoteFileDialogBase::refusedHeaderKeepsTheRest()
+{
+    RemoteFileDialogBase dialog(nullptr, {}, path("root"));
+    DialogState state = *DialogState::fromBytes(dialog.saveState());
+    state.header = "no header";
+    state.history = QStringList{s("/x")};
+    state.viewMode = QFileDialog::Detail;
+    QVERIFY(!dialog.restoreState(state.toBytes()));
+    QCOMPARE(dialog.history().constFirst(), s("/x"));
+    QCOMPARE(dialog.viewMode(), QFileDialog::List);
+}
+
+void TestRemoteFileDialogBase::openCallsTheMemberOnce_data()
+{
+    QTest::addColumn<QFileDialog::FileMode>("mode");
+    QTest::addColumn<bool>("severalAfterwards");
+    QTest::newRow("one file") << QFileDialog::ExistingFile << false;
+    QTest::newRow("several files") << QFileDialog::ExistingFiles << false;
+    QTest::newRow("mode changed while open") << QFileDialog::ExistingFile << true;
+}
+
+void TestRemoteFileDialogBase::openCallsTheMemberOnce()
+{
+    QFETCH(const QFileDialog::FileMode, mode);
+    QFETCH(const bool, severalAfterwards);
+    RemoteFileDialogBase dialog(nullptr, {}, path("root"));
+    dialog.setFileMode(mode);
+    QComboBox receiver;
+    receiver.setEditable(true);
+    if (mode == QFileDialog::ExistingFiles)
+        dialog.open(&dialog, SIGNAL(filesSelected(QStringList)));
+    else
+        dialog.open(&receiver, SLOT(setEditText(QString)));
+    QVERIFY(dialog.isVisible() && dialog.windowModality() == Qt::WindowModal);
+    if (severalAfterwards)
+        dialog.setFileMode(QFileDialog::ExistingFiles);
+    if (mode == QFileDialog::ExistingFiles) {
+        dialog.reject();
+        return;
+    }
+    typeAndReturn(nameEdit(dialog), s("a.txt"));
+    QCOMPARE(receiver.currentText(), path("root/a.txt"));
+    receiver.setEditText({});
+    Q_EMIT dialog.fileSelected(s("again"));
+    QCOMPARE(receiver.currentText(), QString());
+}
+
+void TestRemoteFileDialogBase::mayBeDeletedInItsSlots_data()
+{
+    QTest::addColumn<QByteArray>("signal");
+    QTest::addColumn<QByteArray>("how");
+    const struct {
+        const char *signal;
+        const char *how;
+    } rows[] = {{SIGNAL(filesSelected(QStringList)), "a.txt"},
+                {SIGNAL(fileSelected(QString)), "a.txt"},
+                {SIGNAL(finished(int)), "a.txt"},
+                {SIGNAL(directoryEntered(QString)), "toParentButton"},
+                {SIGNAL(finished(int)), "Escape"}};
+    for (const auto &[signal, how] : rows)
+        QTest::addRow("%s %s", signal + 1, how) << QByteArray(signal) << QByteArray(how);
+}
+
+void TestRemoteFileDialogBase::mayBeDeletedInItsSlots()
+{
+    QFETCH(const QByteArray, signal);
+    QFETCH(const QByteArray, how);
+    const QPointer<RemoteFileDialogBase> dialog
+        = new RemoteFileDialogBase(nullptr, {}, path("root"));
+    dialog->show();
+    QTRY_COMPARE(rows(*dialog).size(), 2);
+    auto *const view = child<QListView>(dialog, "listView");
+    view->setCurrentIndex(view->model()->index(0, 0, view->rootIndex()));
+    nameEdit(*dialog)->setText(QString::fromLatin1(how));
+
+    // A dialog deletes itself within a call of its own; its children are in use further up.
+    QObject context;
+    QSignalMapper mapper;
+    mapper.setMapping(dialog, 1);
+    connect(dialog, signal.constData(), &mapper, SLOT(map()));
+    connect(&mapper, &QSignalMapper::mappedInt, &context, [&] { delete dialog.data(); });
+    if (how.endsWith("Button"))
+        QVERIFY(QMetaObject::invokeMethod(dialog, "_q_navigateToParent"));
+    else if (how == "Escape")
+        dialog->reject();
+    else
+        dialog->accept();
+    QVERIFY(!dialog);
+}
+
+void TestRemoteFileDialogBase::mayGoWithItsParentWhileABoxIsOpen_data()
+{
+    QTest::addColumn<QByteArray>("slot");
+    QTest::newRow("missing file") << QByteArray("accept");
+    QTest::newRow("deleting") << QByteArray("_q_deleteCurrent");
+    QTest::newRow("the dialog itself") << QByteArray();
+}
+
+void TestRemoteFileDialogBase::mayGoWithItsParentWhileABoxIsOpen()
+{
+    QFETCH(const QByteArray, slot);
+    auto *const parent = new QWidget;
+    const ModalSteps steps({[&](QWidget *) { delete parent; }});
+    if (slot.isEmpty()) {
+        QCOMPARE(RemoteFileDialogBase::getOpenFileName(parent, {}, path("root")), QString());
+        return;
+    }
+    const QPointer<RemoteFileDialogBase> dialog
+        = new RemoteFileDialogBase(parent, {}, path("root"));
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    dialog->show();
+    QTRY_COMPARE(rows(*dialog).size(), 2);
+    auto *const view = child<QListView>(dialog, "listView");
+    if (slot == "accept")
+        nameEdit(*dialog)->setText(s("missing"));
+    else
+        view->selectionModel()->select(view->model()->index(1, 0, view->rootIndex()),
+                                       QItemSelectionModel::Select);
+    QVERIFY(QMetaObject::invokeMethod(dialog, slot.constData()));
+    QVERIFY(!dialog);
+    QVERIFY(QFileInfo::exists(path("root/a.txt")));
+}
+
+void TestRemoteFileDialogBase::proxyModelStandsBetweenModelAndViews()
+{
+    OpenDialog dialog(nullptr, {}, path("root"));
+    dialog.show();
+    QTRY_COMPARE(rows(dialog).size(), 2);
+    auto *const proxy = new QSortFilterProxyModel;
+    proxy->setRecursiveFilteringEnabled(true);
+    proxy->setFilterRegularExpression(s("a.txt"));
+    dialog.setProxyModel(proxy);
+    QCOMPARE(proxy->parent(), &dialog);
+    QCOMPARE(proxy->sourceModel(), dialog.fileSystemModel());
+    QTRY_COMPARE(rows(dialog), QStringList{s("a.txt")});
+
+    typeAndReturn(nameEdit(dialog), s("sub"));
+    QCOMPARE(dialog.directory().path(), path("root/sub"));
+    dialog.setDirectory(path("root"));
+    auto *const view = child<QListView>(&dialog, "listView");
+    QCOMPARE(view->selectionModel(), child<QTreeView>(&dialog, "treeView")->selectionModel());
+    QSignalSpy current(&dialog, &RemoteFileDialogBase::currentChanged);
+    view->setCurrentIndex(view->model()->index(0, 0, view->rootIndex()));
+    QCOMPARE(current.takeFirst().constFirst().toString(), path("root/a.txt"));
+    QCOMPARE(dialog.selectedFiles(), QStringList{path("root/a.txt")});
+
+    const QPointer<QSortFilterProxyModel> former(proxy);
+    dialog.setProxyModel(nullptr);
+    QVERIFY(former && !dialog.proxyModel());
+    QTRY_COMPARE(rows(dialog).size(), 2);
+    dialog.setProxyModel(new QSortFilterProxyModel);
+    delete dialog.proxyModel();
+    QTRY_COMPARE(rows(dialog).size(), 2);
+}
+
+void TestRemoteFileDialogBase::deleteKeyOfThePlacesLeavesFilesAlone()
+{
+    RemoteFileDialogBase dialog(nullptr, {}, path("root"));
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowActive(&dialog));
+    QTRY_COMPARE(rows(dialog).size(), 2);
+    dialog.selectFile(s("a.txt"));
+    const ModalSteps steps({pressing(QMessageBox::No)});
+    auto *const places = child<QListView>(&dialog, "sidebar");
+    places->setFocus();
+    places->setCurrentIndex(places->model()->index(1, 0));
+    QTest::keyClick(places, Qt::Key_Delete);
+    QCOMPARE(steps.shown(), 0);
+    QCOMPARE(dialog.sidebarUrls().size(), 1);
+}
+
+void TestRemoteFileDialogBase::readOnlyDialogChangesNoFile()
+{
+    RemoteFileDialogBase dialog(nullptr, {}, path("root"));
+    dialog.setReadOnly(true);
+    dialog.show();
+    QTRY_COMPARE(rows(dialog).size(), 2);
+    auto *const view = child<QListView>(&dialog, "listView");
+    view->setCurrentIndex(view->model()->index(1, 0, view->rootIndex()));
+    for (const char *const slot : {"_q_deleteCurrent", "_q_renameCurrent", "_q_createDirectory"})
+        QVERIFY(QMetaObject::invokeMethod(&dialog, slot));
+    QVERIFY(!view->viewport()->findChild<QLineEdit *>());
+    QCOMPARE(rows(dialog).size(), 2);
+}
+
+void TestRemoteFileDialogBase::staysOnTheRemoteSide()
+{
+    FaultyFolder remote;
+    QVERIFY(remote.make(s("tmp/deep/f.txt")));
+    RemoteFileDialogBase dialog(nullptr, {}, s("remote:/tmp/deep"));
+    dialog.show();
+    QCOMPARE(dialog.directory().path(), s("remote:/tmp/deep"));
+    QTRY_COMPARE(rows(dialog), QStringList{s("f.txt")});
+    dialog.selectFile(s("f.txt"));
+    QCOMPARE(dialog.selectedFiles(), QStringList{s("remote:/tmp/deep/f.txt")});
+
+    auto *const lookIn = child<QComboBox>(&dialog, "lookInCombo");
+    const struct {
+        const char *typed;
+        const char *directory;
+    } steps[] = {{"..", "remote:/tmp"},
+                 {"deep/../../../..", "remote:"},
+                 {"/tmp/deep", "remote:/tmp/deep"},
+                 {"/home", "remote:/tmp/deep"},
+                 {"/", "remote:"}};
+    for (const auto &[typed, directory] : steps) {
+        typeAndReturn(lookIn, QLatin1String(typed));
+        QCOMPARE(dialog.directory().path(), QLatin1String(directory));
+        QCOMPARE(lookIn->currentText(), QLatin1String(directory));
+        QVERIFY(dialog.isVisible());
+    }
+    typeAndReturn(nameEdit(dialog), s(".."));
+    QVERIFY(QMetaObject::invokeMethod(&dialog, "_q_navigateToParent"));
+    QCOMPARE(dialog.directory().path(), s("."));
+    QVERIFY(!child<QToolButton>(&dialog, "newFolderButton")->isEnabled());
+}
+
+void TestRemoteFileDialogBase::acceptsWhileTheListingIsPending()
+{
+    FaultyFolder remote;
+    QVERIFY(remote.make(s("a/f.txt")) && remote.make(s("b/g.txt")));
+    remote.endless = true;
+    RemoteFileDialogBase dialog(nullptr, {}, s("remote:/a"));
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.show();
+    const auto *const view = child<QListView>(&dialog, "listView");
+    QCOMPARE(view->viewport()->cursor().shape(), Qt::BusyCursor);
+    dialog.setDirectory(s("remote:/b"));
+    QSignalSpy selected(&dialog, &RemoteFileDialogBase::fileSelected);
+    typeAndReturn(nameEdit(dialog), s("remote:/a/f.txt"));
+    QCOMPARE(selected.size(), 1);
+    QCOMPARE(selected.constFirst().constFirst().toString(), s("remote:/a/f.txt"));
+    remote.endless = false;
+    QTRY_COMPARE(view->viewport()->cursor().shape(), Qt::ArrowCursor);
+}
+
+void TestRemoteFileDialogBase::saysThatADirectoryCannotBeRead()
+{
+    FaultyFolder remote;
+    QVERIFY(remote.make(s("a/")));
+    RemoteFileDialogBase dialog(nullptr, {}, s("remote:/a"));
+    dialog.show();
+    const auto *const view = child<QListView>(&dialog, "listView");
+    QTRY_COMPARE(view->viewport()->cursor().shape(), Qt::ArrowCursor);
+    QCOMPARE(view->accessibleDescription(), QString());
+    QVERIFY(remote.make(s("b/")));
+    dialog.setDirectory(s("remote:/b"));
+    remote.broken = true;
+    QTRY_COMPARE(view->accessibleDescription(), s("This directory cannot be read."));
+    dialog.grab();
+}
+
+void TestRemoteFileDialogBase::goesUpFromADirectoryThatIsGone()
+{
+    QVERIFY(QDir().mkpath(path("root/sub/x/y")));
+    RemoteFileDialogBase dialog(nullptr, {}, path("root/sub/x/y"));
+    QVERIFY(QDir(path("root/sub/x")).removeRecursively());
+    QSignalSpy entered(&dialog, &RemoteFileDialogBase::directoryEntered);
+    QVERIFY(QMetaObject::invokeMethod(&dialog, "_q_navigateToParent"));
+    QCOMPARE(entered.size(), 1);
+    QCOMPARE(entered.constFirst().constFirst().toString(), path("root/sub"));
+}
+
+QTEST_MAIN(TestRemoteFileDialogBase)
+#include "tst_remotefiledialogbase.moc"

@@ -66,11 +66,7 @@ bool DialogNavigation::goTo(const QString &path)
     if (!toDrives && m_context->kindOf(target) != tul::FileKind::Directory)
         return false;
     m_history.setSelected(m_context->selectedPaths());
-    // Before the model changes, as slots that hear of it may delete the dialog and so the model.
-    const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
     m_context->selection()->clear();
-    if (!guard)
-        return false;
     model->setRootPath(target);
     return m_context->rootPath() == target;
 }
@@ -88,15 +84,11 @@ void DialogNavigation::announceEntered(const QString &name)
 
 void DialogNavigation::step(int by)
 {
-    const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
     while (by < 0 ? m_history.canGoBack() : m_history.canGoForward()) {
         m_history.setSelected(m_context->selectedPaths());
         m_history.step(by);
         const NavigationHistory::Place place = m_history.current();
-        const bool gone = !goTo(place.path);
-        if (!guard)
-            return;
-        if (gone) {
+        if (!goTo(place.path)) {
             m_history.dropAfterStep(by);
             continue;
         }
@@ -116,13 +108,11 @@ void DialogNavigation::goToParent()
     QString path = m_context->rootPath();
     if (path.isEmpty())
         return;
-    const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
     // A directory that was removed leads to what is left above it.
     do {
         path = tul::parentPath(path);
-    } while (!goTo(path) && guard);
-    if (guard)
-        announceEntered(path.isEmpty() ? m_context->model->myComputer().toString() : path);
+    } while (!goTo(path));
+    announceEntered(path.isEmpty() ? m_context->model->myComputer().toString() : path);
 }
 
 void DialogNavigation::goHome()

@@ -94,11 +94,9 @@ void DialogOperations::createFolder()
     const QModelIndex row = m_context->toView(folder);
     if (!row.isValid())
         return;
-    const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
     m_context->selection()->setCurrentIndex(
         row, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    if (guard)
-        renameCurrent();
+    renameCurrent();
 }
 
 void DialogOperations::showContextMenu(QAbstractItemView *view, const QPoint &position)

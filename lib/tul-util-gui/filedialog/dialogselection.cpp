@@ -63,7 +63,8 @@ QString DialogSelection::withSuffix(const QString &path) const
 
 QStringList DialogSelection::chosenFiles() const
 {
-    QStringList files = m_context->selectedPaths();
+    // Names that were typed may have no rows.
+    QStringList files = m_textLeads ? QStringList() : m_context->selectedPaths();
     if (!files.isEmpty() || m_context->ui.fileNameEdit->text().isEmpty())
         return files;
     files = m_context->dialog->typedFiles();
@@ -90,10 +91,7 @@ void DialogSelection::selectFile(const QString &name)
     QString file = name;
     if (QDir::isAbsolutePath(name)) {
         const QString path = tul::cleanDialogPath(name);
-        const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
         RemoteFileDialogBasePrivate::of(m_context->dialog)->navigation.goTo(tul::parentPath(path));
-        if (!guard)
-            return;
         file = tul::lastElement(path);
     }
     RemoteFileDialogBaseLineEdit *const edit = m_context->ui.fileNameEdit;
@@ -109,6 +107,7 @@ void DialogSelection::selectTypedRows(const QString &text)
     if (m_following)
         return;
     const QScopedValueRollback<bool> following(m_following, true);
+    m_textLeads = !text.isEmpty();
     QItemSelectionModel *const selection = m_context->selection();
     if (namesAHost(text)) {
         selection->clear();
@@ -146,6 +145,7 @@ void DialogSelection::showSelectedNames()
         return;
     }
     const QScopedValueRollback<bool> following(m_following, true);
+    m_textLeads = false;
     const QModelIndexList rows = m_context->selection()->selectedRows();
     QStringList names;
     for (const QModelIndex &row : rows) {
@@ -195,7 +195,7 @@ void DialogSelection::accept()
         return;
     case tul::AcceptAction::EnterDirectory:
         RemoteFileDialogBasePrivate::of(m_context->dialog)->navigation.goTo(decision.path);
-        if (guard && request.acceptMode == QFileDialog::AcceptOpen)
+        if (request.acceptMode == QFileDialog::AcceptOpen)
             m_context->ui.fileNameEdit->clear();
         return;
     case tul::AcceptAction::TellMissingFile:

@@ -52,5 +52,6 @@ private:
     void emitSelected(const QStringList &files);
 
     DialogContext *const m_context;
+    bool m_textLeads = false; ///< the text was changed last, not the selection
     bool m_following = false; ///< rows follow the text, or the text the rows
 };

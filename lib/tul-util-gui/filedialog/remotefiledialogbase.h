@@ -63,7 +63,8 @@ struct RemoteFileDialogBaseArgs {
 /// be accepted is told to the user by a message box. Empty texts and lists mean none.
 ///
 /// *By design*: a completed name matches in any letter case, on a remote side too. All dialogs save
-/// to one place, the last one wins. Slots of the signals below may delete the dialog.
+/// to one place, the last one wins. Slots of the signals below may delete the dialog,
+/// except for currentChanged(), which comes from the midst of a view's work.
 class TUL_UTIL_GUI_EXPORT RemoteFileDialogBase : public QDialog
 {
     Q_OBJECT
@@ -101,9 +102,9 @@ public:
     /// Puts the name into the line edit and goes to its directory, if it has one that exists.
     void selectFile(const QString &name);
 
-    /// What the user has chosen so far, as whole paths: the typed names, or the selected rows where
-    /// nothing is typed, or the shown directory in the directory modes. Names carry the default
-    /// suffix.
+    /// What is chosen so far, as whole paths: the typed names or the selected rows, whichever came
+    /// last; where there are none, the shown directory, unless only existing files will do. Typed
+    /// names carry the default suffix.
     QStringList selectedFiles() const;
 
     /// One filter, or several with ";;" or line ends between them: a name followed by patterns in
@@ -163,7 +164,8 @@ public:
     bool testOption(QFileDialog::Option option) const;
     void setOption(QFileDialog::Option option, bool on = true);
 
-    /// The recent places of the look-in box, with the shown directory as the last one.
+    /// The recent places of the look-in box, with the shown directory among them, as the last one
+    /// if it is new. Of the stored ones five are restored.
     QStringList history() const;
     void setHistory(const QStringList &paths);
 
@@ -185,7 +187,7 @@ public:
     QAbstractItemDelegate *itemDelegate() const;
     void setItemDelegate(QAbstractItemDelegate *delegate);
 
-    /// A text that is set stays, whatever the modes; none is there without one being set.
+    /// A text that is set stays, whatever the modes; without one a label shows the text for these.
     QString labelText(QFileDialog::DialogLabel label) const;
     void setLabelText(QFileDialog::DialogLabel label, const QString &text);
 
@@ -225,8 +227,8 @@ public:
 
     void setVisible(bool visible) override;
 
-    /// Replaces a leading tilde by a home directory, here that of the local user, or with "~name"
-    /// of another one. `expanded`, where given, tells whether there was something to replace.
+    /// Replaces a tilde, alone or before a slash, by a home directory, here that of the local user.
+    /// `expanded`, where given, tells whether there was something to replace.
     virtual QString tildeExpansion(const QString &path, bool *expanded = nullptr);
 
     /// The value of the environment variable if `name` is "$" and its name, else `name` unchanged.

@@ -52,7 +52,7 @@ void RemoteFileDialogBasePrivate::construct(const QString &directory, const QStr
     connectWidgets();
     connectActions();
     retranslate();
-    setFileMode(context.fileMode);
+    setFileMode(context.fileMode); // with the first labels
     setViewMode(QFileDialog::List);
 
     QSettings settings(QSettings::UserScope, QStringLiteral("Vantorq"));
@@ -337,11 +337,10 @@ bool RemoteFileDialogBasePrivate::restore(const DialogState &state)
     ui.sidebar->setUrls(state.sidebarUrls);
     navigation.recentPlaces = state.history.mid(qMax(0, state.history.size() - recentPlacesKept));
 
-    const QPointer<RemoteFileDialogBase> guard(q);
     const QString last = DialogNavigation::lastVisitedDirectory();
     navigation.goTo(last.isEmpty() ? state.directory : last);
     QHeaderView *const header = ui.treeView->header();
-    if (!guard || !header->restoreState(state.header))
+    if (!header->restoreState(state.header))
         return false;
     const int columns
         = qMin(context.model->columnCount(QModelIndex()), ui.columnActions.size() + 1);
@@ -356,7 +355,9 @@ void RemoteFileDialogBasePrivate::retranslate()
     context.ui.retranslate(context.model);
     filters.retranslate();
     updateTitle();
-    updateLabels();
+    // Later, when the button box has set the texts of its own that it knows for the new language.
+    QMetaObject::invokeMethod(
+        q, [this] { updateLabels(); }, Qt::QueuedConnection);
 }
 
 void RemoteFileDialogBasePrivate::updateTitle()
@@ -453,8 +454,7 @@ void RemoteFileDialogBasePrivate::activate(const QModelIndex &viewIndex)
         return;
     }
     const QString path = context.path(entry);
-    const QPointer<RemoteFileDialogBase> guard(q);
-    if (!navigation.goTo(path) || !guard)
+    if (!navigation.goTo(path))
         return;
     RemoteFileDialogBaseLineEdit *const edit = context.ui.fileNameEdit;
     if (tul::choosesDirectories(context.fileMode) || edit->text() == tul::lastElement(path))
