@@ -1,5 +1,6 @@
 #include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
 #include <tul-util-gui/filesystemmodel/remotesidebar.h>
+#include <workbench/filerequests.h>
 #include <workbench/filespage.h>
 
 #include <QActionGroup>
@@ -63,6 +64,7 @@ FilesPage::FilesPage(QWidget *parent)
     layout->addWidget(m_path);
     layout->addWidget(splitter, 1);
     layout->addWidget(hint);
+    layout->addWidget(new FileRequests);
 
     connect(m_sidebar, &RemoteSidebar::goToUrl, this,
             [this](const QUrl &url) { goTo(url.toLocalFile()); });

@@ -1,3 +1,5 @@
+#include <tul-util-gui/filedialog/filedialog.h>
+#include <tul-util-gui/filedialog/remotefiledialog.h>
 #include <workbench/remotefolder.h>
 
 #include <QDir>
@@ -56,4 +58,11 @@ RemoteFolder::RemoteFolder(const QString &folder)
         m_fault = QStringLiteral("\"%1\" is no folder").arg(served);
     else
         m_engine = std::make_unique<FolderEngine>(served);
+
+    FileDialog::setAllFilesLocal(!m_engine);
+    if (m_temporary) {
+        RemoteFileDialog::setRemoteHomeDirectory(QStringLiteral("remote:/home/user"));
+        RemoteFileDialog::setDefaultWorkingDirectory(
+            QStringLiteral("remote:/home/user/projects/solver"));
+    }
 }

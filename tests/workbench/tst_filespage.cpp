@@ -1,15 +1,22 @@
 #include <support/faultyfolder.h>
+#include <support/modalsteps.h>
 #include <support/testcase.h>
+#include <tul-util-gui/filedialog/filedialog.h>
+#include <tul-util-gui/filedialog/remotefiledialog.h>
 #include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
 #include <tul-util-gui/filesystemmodel/remotesidebar.h>
+#include <workbench/filerequests.h>
 #include <workbench/filespage.h>
 #include <workbench/remotefolder.h>
 
 #include <QAction>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSettings>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTreeView>
 
@@ -63,12 +70,23 @@ class TestFilesPage : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase();
+
     void placesAndActionsLeadToBothSides();
     void missingDirectoryIsToldOnce();
     void foldersAreMadeAndFilesRemovedAfterAQuestion();
     void refreshShowsWhatHappenedOnTheRemoteSide();
+    void requestsShowDialogsAndTheirAnswers();
     void sampleFilesStandForTheRemoteMachine();
+
+private:
+    QTemporaryDir m_settings;
 };
+
+void TestFilesPage::initTestCase()
+{
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_settings.path());
+}
 
 void TestFilesPage::placesAndActionsLeadToBothSides()
 {
@@ -131,6 +149,36 @@ void TestFilesPage::refreshShowsWhatHappenedOnTheRemoteSide()
     shown.trigger("Refresh");
     QTRY_VERIFY(shown.rows() == 2 && shown.model->index(q("remote:/dir/c")).isValid()
                 && !shown.model->index(q("remote:/dir/a")).isValid());
+}
+
+void TestFilesPage::requestsShowDialogsAndTheirAnswers()
+{
+    ShownPage shown;
+    FileDialog::setAllFilesLocal(false);
+    auto *const requests = shown.page.findChild<FileRequests *>();
+    const QList<QPushButton *> buttons = requests->findChildren<QPushButton *>();
+    QCOMPARE(buttons.size(), 13);
+    int remote = 0;
+    const ModalSteps steps(QVector<ModalSteps::Step>(13, [&](QWidget *window) {
+        auto *const dialog = qobject_cast<RemoteFileDialog *>(window);
+        remote += dialog != nullptr;
+        if (remote == 1 && dialog) {
+            auto *const edit = dialog->findChild<QLineEdit *>(q("fileNameEdit"));
+            edit->setText(q("/dir/a"));
+            QTest::keyClick(edit, Qt::Key_Return);
+        } else {
+            QTest::keyClick(window, Qt::Key_Escape);
+        }
+    }));
+    const auto answer = [&] { return requests->findChildren<QLabel *>().constLast()->text(); };
+    for (QPushButton *const button : buttons) {
+        button->click();
+        QVERIFY2(answer().endsWith(remote == 1 ? q(" /dir/a") : q(" nothing")),
+                 qPrintable(answer()));
+        remote += remote == 1;
+    }
+    QCOMPARE(remote, 9 + 1);
+    FileDialog::setAllFilesLocal(true);
 }
 
 void TestFilesPage::sampleFilesStandForTheRemoteMachine()
