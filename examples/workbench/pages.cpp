@@ -1,8 +1,8 @@
 #include <workbench/arraypage.h>
 #include <workbench/filespage.h>
 #include <workbench/pages.h>
-#include <workbench/widgetspage.h>
 #include <workbench/terminalpage.h>
+#include <workbench/widgetspage.h>
 
 QVector<WorkbenchPage *> createPages(QWidget *parent)
 {
