@@ -433,7 +433,7 @@ void DetailsWidget::setWidget(QWidget *widget, int padding)
         return;
     }
     if (widget != d->widget) {
-        const QPointer<QWidget> former(d->widget);
+        QWidget *const former = d->widget;
         if (former) {
             disconnect(former, &QObject::destroyed, this, nullptr);
             d->grid->removeWidget(former);
