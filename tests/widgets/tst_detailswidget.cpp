@@ -131,7 +131,7 @@ void TestDetailsWidget::actionsChangeTheStateAndTellSo()
 {
     // What is done, what is told, and the state at the end; the state before it is Collapsed.
     for (const char *const row :
-         {"b d C", "l d C", "wb +d E", "wbb +d-d C", "wl + E", "wll +- C", "wr  C", "ws + E",
+         {"b d C", "l d C", "wb +d E", "wbb +d-d C", "wl + E", "wlbl +-d+ E", "wr  C", "ws + E",
           "wtl  C", "tl  C", "dl  C", "wdlE + E", "wa link C",
           // Disabling the button closes the panel, whatever opened it.
           "wEd +- C", "wdEd +- C",
