@@ -1,7 +1,6 @@
 #include <support/testcase.h>
 
 #include <QBuffer>
-#include <QColor>
 #include <QFileInfo>
 #include <QLayout>
 #include <QPluginLoader>
@@ -19,7 +18,6 @@ class TestWidgetCollection : public TestCase
 private Q_SLOTS:
     void everyWidgetOfTheBoxCanBeMade();
     void newWidgetsLoadAsForms();
-    void propertiesAreLoaded();
 
 private:
     QList<QDesignerCustomWidgetInterface *> widgets();
@@ -48,12 +46,9 @@ std::unique_ptr<QWidget> TestWidgetCollection::load(const QString &form)
 void TestWidgetCollection::everyWidgetOfTheBoxCanBeMade()
 {
     QStringList names;
-    QStringList containers;
     const auto all = widgets();
     for (QDesignerCustomWidgetInterface *const custom : all) {
         names.append(custom->name());
-        if (custom->isContainer())
-            containers.append(custom->name());
         const std::unique_ptr<QWidget> widget(custom->createWidget(nullptr));
         QCOMPARE(QString::fromLatin1(widget->metaObject()->className()), custom->name());
         const QString header = QStringLiteral(LIBRARY_FOLDER "/") + custom->includeFile();
@@ -62,8 +57,6 @@ void TestWidgetCollection::everyWidgetOfTheBoxCanBeMade()
     QCOMPARE(names.join(QLatin1Char(' ')),
              QStringLiteral("CloseButton DetailsWidget FadingPanel FixedHeightListWidget "
                             "FlatButton FlatCommandLinkButton SideBarWidget"));
-    QCOMPARE(containers.join(QLatin1Char(' ')),
-             QStringLiteral("DetailsWidget FadingPanel SideBarWidget"));
 }
 
 void TestWidgetCollection::newWidgetsLoadAsForms()
@@ -80,21 +73,6 @@ void TestWidgetCollection::newWidgetsLoadAsForms()
         QVERIFY(page->isVisibleTo(widget.get()));
         QVERIFY(widget->layout()->indexOf(page) >= 0);
     }
-}
-
-void TestWidgetCollection::propertiesAreLoaded()
-{
-    const auto widget = load(QStringLiteral(
-        "<ui version=\"4.0\"><widget class=\"SideBarWidget\" name=\"bar\">"
-        "<property name=\"linePosition\"><enum>SideBarWidget::West</enum></property>"
-        "<widget class=\"FlatButton\" name=\"button\"><property name=\"lineColour\">"
-        "<color><red>255</red><green>0</green><blue>0</blue></color></property></widget>"
-        "</widget></ui>"));
-    QVERIFY(widget);
-    QCOMPARE(widget->property("linePosition").toInt(), 2);
-    const auto *const button = widget->findChild<QWidget *>(QStringLiteral("button"));
-    QVERIFY(button);
-    QCOMPARE(button->property("lineColour").value<QColor>(), QColor(Qt::red));
 }
 
 QTEST_MAIN(TestWidgetCollection)

@@ -6,7 +6,6 @@
 #include <QMainWindow>
 #include <QMouseEvent>
 #include <QRandomGenerator>
-#include <QSignalSpy>
 #include <QTabBar>
 #include <QTest>
 
@@ -85,7 +84,6 @@ private Q_SLOTS:
     void layoutKeepsTheOrderOfTheTabs();
     void draggedTabTakesItsDockAlong();
     void movesOfOtherBarsChangeNoDocks();
-    void deletedBarIsForgotten();
 };
 
 void TestDockWidgetTabMovedHelper::layoutKeepsTheOrderOfTheTabs_data()
@@ -96,8 +94,6 @@ void TestDockWidgetTabMovedHelper::layoutKeepsTheOrderOfTheTabs_data()
     const QStringList several{QStringLiteral("ABCD"), QStringLiteral("EFG"),
                               QStringLiteral("HIJK")};
     QTest::newRow("two docks") << QStringList{QStringLiteral("AB")} << false;
-    QTest::newRow("three docks, closing") << QStringList{QStringLiteral("ABC")} << true;
-    QTest::newRow("one group") << single << false;
     QTest::newRow("one group, closing") << single << true;
     QTest::newRow("three groups, one nested") << several << false;
     QTest::newRow("three groups, closing") << several << true;
@@ -110,7 +106,7 @@ void TestDockWidgetTabMovedHelper::layoutKeepsTheOrderOfTheTabs()
     DockWindow docks(groups);
     QRandomGenerator random(7);
 
-    for (int step = 0; step < 40; ++step) {
+    for (int step = 0; step < 30; ++step) {
         const QString &group = groups.at(random.bounded(groups.size()));
         if (closing) {
             docks.setOpen(group, true);
@@ -172,38 +168,18 @@ void TestDockWidgetTabMovedHelper::movesOfOtherBarsChangeNoDocks()
     const QStringList groups{QStringLiteral("ABC")};
     DockWindow docks(groups);
     auto *const other = new QTabBar(&docks.window);
-    auto *const inside = new QTabBar(docks.dock(QLatin1Char('A')));
-    for (QTabBar *const bar : {other, inside}) {
-        for (int tab = 0; tab < 3; ++tab) {
-            bar->addTab(QString::number(tab));
-            bar->setTabData(tab, qulonglong(tab + 1)); // not the address of a dock
-        }
-        bar->show();
+    for (int tab = 0; tab < 3; ++tab) {
+        other->addTab(QString::number(tab));
+        other->setTabData(tab, qulonglong(tab + 1)); // not the address of a dock
     }
+    other->show();
     QCoreApplication::processEvents();
     QVERIFY(other->isMovable());
-    QVERIFY(!inside->isMovable());
     other->moveTab(2, 0);
     QCOMPARE(titles(*other).join(QString()), QStringLiteral("201"));
-    QCOMPARE(docks.shown(groups.first()), groups.first());
-
     // Nobody sent the signal.
     QVERIFY(QMetaObject::invokeMethod(docks.helper, "tabMoved", Q_ARG(int, 0), Q_ARG(int, 1)));
     QCOMPARE(docks.shown(groups.first()), groups.first());
-}
-
-void TestDockWidgetTabMovedHelper::deletedBarIsForgotten()
-{
-    QMainWindow window;
-    DockWidgetTabMovedHelper helper(&window);
-    for (int round = 0; round < 50; ++round) { // bars come to stand where others stood
-        QTabBar bar(&window);
-        for (int time = 0; time < 2; ++time) {
-            QChildEvent polished(QEvent::ChildPolished, &bar);
-            QVERIFY(!helper.eventFilter(&window, &polished));
-        }
-        QVERIFY(bar.isMovable());
-    }
 }
 
 QTEST_MAIN(TestDockWidgetTabMovedHelper)

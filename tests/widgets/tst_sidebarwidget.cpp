@@ -11,7 +11,6 @@ class TestSideBarWidget : public TestCase
 private Q_SLOTS:
     void ruleRunsAlongOneEdge_data();
     void ruleRunsAlongOneEdge();
-    void newLookShowsAtTheNextPaint();
 };
 
 void TestSideBarWidget::ruleRunsAlongOneEdge_data()
@@ -47,31 +46,6 @@ void TestSideBarWidget::ruleRunsAlongOneEdge()
             }
         }
     }
-}
-
-void TestSideBarWidget::newLookShowsAtTheNextPaint()
-{
-    SideBarWidget bar;
-    bar.setObjectName(QStringLiteral("bar"));
-    bar.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&bar));
-    QCoreApplication::processEvents();
-    struct PaintCounter : QObject {
-        int count = 0;
-        bool eventFilter(QObject * /*watched*/, QEvent *event) override
-        {
-            count += event->type() == QEvent::Paint ? 1 : 0;
-            return false;
-        }
-    } paints;
-    bar.installEventFilter(&paints);
-    bar.setBackgroundColour(Qt::red);
-    bar.setLineColour(Qt::blue);
-    bar.setLinePosition(SideBarWidget::North);
-    QCoreApplication::processEvents();
-    QCOMPARE(paints.count, 0);
-    QCOMPARE(bar.grab().toImage().pixelColor(5, 5), QColor(Qt::red));
-    QCOMPARE(bar.lineColour(), QColor(Qt::blue));
 }
 
 QTEST_MAIN(TestSideBarWidget)

@@ -3,12 +3,10 @@
 #include <workbench/page.h>
 #include <workbench/pagebar.h>
 
-#include <tul-util-gui/widgets/detailswidget.h>
 #include <tul-util-gui/widgets/flatbutton.h>
 
 #include <QApplication>
 #include <QDockWidget>
-#include <QImage>
 #include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
@@ -20,7 +18,6 @@ class TestMainWindow : public TestCase
 
 private Q_SLOTS:
     void buttonsSwitchThePages();
-    void barFollowsPaletteAndDirection();
     void faultsAreQueuedAndListed();
 };
 
@@ -37,18 +34,6 @@ void TestMainWindow::buttonsSwitchThePages()
         const auto *const advice = window.findChild<QDockWidget *>(QStringLiteral("advice"));
         QCOMPARE(advice->findChild<QLabel *>()->text(), window.currentPage()->advice());
     }
-}
-
-void TestMainWindow::barFollowsPaletteAndDirection()
-{
-    PageBar bar;
-    bar.addPage(QStringLiteral("Page"));
-    QPalette dark(Qt::darkGray, Qt::black);
-    bar.setPalette(dark);
-    QVERIFY(bar.backgroundColour().lightness() < 100);
-    QCOMPARE(bar.linePosition(), SideBarWidget::East);
-    bar.setLayoutDirection(Qt::RightToLeft);
-    QCOMPARE(bar.linePosition(), SideBarWidget::West);
 }
 
 void TestMainWindow::faultsAreQueuedAndListed()
