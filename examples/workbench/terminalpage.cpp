@@ -151,15 +151,14 @@ QStringList TerminalPage::shots() const
 void TerminalPage::prepareShot(const QString &shot)
 {
     m_widget->clear();
+    m_pseudoTerminal->setChecked(shot == QLatin1String("terminal-python")); // echoes the input
     if (shot == QLatin1String("terminal-list")) {
         runToEnd(QStringLiteral("ls -l --time-style=long-iso /usr/share/common-licenses"));
     } else if (shot == QLatin1String("terminal-crash")) {
         runToEnd(QStringLiteral("sh -c \"echo 'Reading the input'; kill -SEGV $$\""));
     } else if (shot == QLatin1String("terminal-python")) {
-        m_pseudoTerminal->setChecked(true);
         runToEnd(QStringLiteral("python3"),
                  {"6 * 7\n", "import math\n", "math.pi\n", "1 / 0\n", "exit(3)\n"});
-        m_pseudoTerminal->setChecked(false);
     } else {
         showWindowShot();
     }
