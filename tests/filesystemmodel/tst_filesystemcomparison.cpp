@@ -1,3 +1,4 @@
+#include <support/literal.h>
 #include <support/testcase.h>
 #include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
 
@@ -24,7 +25,7 @@ template<typename Model> QStringList picture(const Model &model, const QString &
     QStringList lines;
     for (int row = 0; row < model.rowCount(parent); ++row) {
         const QModelIndex index = model.index(row, 0, parent);
-        QStringList cells{QStringLiteral("\n") + index.data().toString()};
+        QStringList cells{"\n"_s + index.data().toString()};
         cells += index.siblingAtColumn(2).data().toString();
         cells += index.siblingAtColumn(3).data().toString();
         for (int column = 0; column < 4; ++column) {
@@ -33,7 +34,7 @@ template<typename Model> QStringList picture(const Model &model, const QString &
         }
         cells += QString::number(qMax(qint64(0), model.size(index)));
         cells += QString::number(index.data(QFileSystemModel::FilePermissions).toInt());
-        cells += model.isDir(index) ? QStringLiteral("dir") : QString();
+        cells += model.isDir(index) ? "dir"_s : QString();
         lines += cells.join(QLatin1Char('|'));
     }
     return lines;
@@ -76,12 +77,12 @@ void tst_FileSystemComparison::make(const QString &name, int size, int daysAgo) 
 void tst_FileSystemComparison::changeTheDisk() const
 {
     QDir dir(m_folder->path());
-    QVERIFY(dir.remove(QStringLiteral("a2.txt")));
-    QVERIFY(dir.rename(QStringLiteral("sub"), QStringLiteral("moved")));
-    QVERIFY(dir.mkdir(QStringLiteral("added")));
-    make(QStringLiteral("c.cpp"), 5000, 10);
-    make(QStringLiteral("new.txt"), 7, 3);
-    QVERIFY(QFile::setPermissions(dir.filePath(QStringLiteral("b.h")), QFileDevice::ReadOwner));
+    QVERIFY(dir.remove("a2.txt"_s));
+    QVERIFY(dir.rename("sub"_s, "moved"_s));
+    QVERIFY(dir.mkdir("added"_s));
+    make("c.cpp"_s, 5000, 10);
+    make("new.txt"_s, 7, 3);
+    QVERIFY(QFile::setPermissions(dir.filePath("b.h"_s), QFileDevice::ReadOwner));
 }
 
 template<typename Model> void tst_FileSystemComparison::prepare(Model &model) const
@@ -110,7 +111,7 @@ void tst_FileSystemComparison::bothShowTheSame_data()
 
     const QDir::Filters usual = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::AllDirs;
     const QStringList none;
-    const QStringList sources{QStringLiteral("*.CPP"), QStringLiteral("[ab]*")};
+    const QStringList sources{"*.CPP"_s, "[ab]*"_s};
     const auto row = [](const char *name, QDir::Filters filters, const QStringList &names,
                         bool disables = true, int column = 0, bool descending = false) {
         QTest::newRow(name) << int(filters) << names << disables << column << descending;
@@ -138,26 +139,20 @@ void tst_FileSystemComparison::bothShowTheSame_data()
 void tst_FileSystemComparison::bothShowTheSame()
 {
     m_folder = std::make_unique<QTemporaryDir>();
-    QStringList names{QStringLiteral("a10.txt"), QStringLiteral("a2.txt"),
-                      QStringLiteral("B.TXT"),   QStringLiteral("b.h"),
-                      QStringLiteral("c.cpp"),   QStringLiteral(".hidden"),
-                      QStringLiteral("_x"),      QStringLiteral("ab-c"),
-                      QStringLiteral("abd"),     QString::fromUtf8("\xc3\xa4.txt"),
-                      QStringLiteral("noext"),   QStringLiteral("tool.sh")};
+    QStringList names{"a10.txt"_s, "a2.txt"_s, "B.TXT"_s, "b.h"_s,          "c.cpp"_s, ".hidden"_s,
+                      "_x"_s,      "ab-c"_s,   "abd"_s,   "\xc3\xa4.txt"_s, "noext"_s, "tool.sh"_s};
     int number = 0;
     for (const QString &name : qAsConst(names)) {
         ++number;
         make(name, (number * 977) % 3000, (number * 7) % 12 * 10);
     }
     const QDir dir(m_folder->path());
-    QVERIFY(QFile::setPermissions(dir.filePath(QStringLiteral("tool.sh")),
-                                  QFileDevice::Permissions(0x7755)));
+    QVERIFY(QFile::setPermissions(dir.filePath("tool.sh"_s), QFileDevice::Permissions(0x7755)));
     for (const char *const sub : {"sub", "Dir10", "dir9", ".cache"})
         QVERIFY(dir.mkdir(QString::fromLatin1(sub)));
-    QVERIFY(QFile::link(dir.filePath(QStringLiteral("abd")), dir.filePath(QStringLiteral("link"))));
-    QVERIFY(
-        QFile::link(dir.filePath(QStringLiteral("dir9")), dir.filePath(QStringLiteral("dirlink"))));
-    QVERIFY(QFile::link(QStringLiteral("/none"), dir.filePath(QStringLiteral("broken"))));
+    QVERIFY(QFile::link(dir.filePath("abd"_s), dir.filePath("link"_s)));
+    QVERIFY(QFile::link(dir.filePath("dir9"_s), dir.filePath("dirlink"_s)));
+    QVERIFY(QFile::link("/none"_s, dir.filePath("broken"_s)));
 
     QFileSystemModel theirs;
     RemoteFileSystemModel ours;

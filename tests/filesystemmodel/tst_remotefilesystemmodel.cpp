@@ -1,4 +1,5 @@
 #include <support/faultyfolder.h>
+#include <support/literal.h>
 #include <support/testcase.h>
 #include <support/testgatherer.h>
 #include <tul-util-gui/filesystemmodel/sizetext_p.h>
@@ -23,7 +24,7 @@ using Updates = QList<QPair<QString, QFileInfo>>;
 namespace
 {
 
-const QString remote = QStringLiteral("remote:");
+const QString remote = "remote:"_s;
 
 // Names written as in "a b/c", for the many lists of them here.
 QStringList words(const char *text)
@@ -128,15 +129,11 @@ private Q_SLOTS:
     void initTestCase();
     void pathsBecomeNodesAndNodesPaths_data();
     void pathsBecomeNodesAndNodesPaths();
-    void namesBelowTheRootIgnoreCase();
-    void nothingIsListedBeforeARootIsSet();
     void settingTheRootMovesListingAndWatch();
     void filteredNodesAppearOnlyWhenTheyBecomeTheRoot();
     void cellsShowNameSizeTypeAndDate();
     void sizesAreCutOffAtTheirUnit_data();
     void sizesAreCutOffAtTheirUnit();
-    void headersNameTheColumns();
-    void flagsFollowPermissionsFiltersAndReadOnly();
     void renamingMovesTheNode_data();
     void renamingMovesTheNode();
     void unusableNamesAreRefusedWithABox_data();
@@ -149,10 +146,8 @@ private Q_SLOTS:
     void directoriesAreMadeAndRemoved_data();
     void directoriesAreMadeAndRemoved();
     void removingALinkSparesItsTarget();
-    void removingReportsAPartialSuccess();
     void persistentIndexesFollowTheirFiles();
     void changesAreAnnouncedInRuns();
-    void aFileThatBecomesADirectoryMovesUp();
     void permissionsAskedForMustBeThere();
     void manyScatteredRowsVanishTogether();
     void hugeBatchesArriveInSlicesBeforeTheEnd();
@@ -161,117 +156,79 @@ private Q_SLOTS:
     void refreshingShowsWhatNobodyReports();
     void iconsAndTypesAreThoseOfTheProvider();
     void hostsProvidersAreAskedForEachFile();
-    void unruly_data();
-    void unruly();
+    void unrulyEnginesDoNoHarm_data();
+    void unrulyEnginesDoNoHarm();
 };
 
 void tst_RemoteFileSystemModel::initTestCase()
 {
-    qRegisterMetaType<Qt::Orientation>();
     qRegisterMetaType<QList<QPersistentModelIndex>>();
     qRegisterMetaType<QAbstractItemModel::LayoutChangeHint>();
 }
 
 void tst_RemoteFileSystemModel::pathsBecomeNodesAndNodesPaths_data()
 {
-    QTest::addColumn<QString>("path"); // with D for the folder
-    QTest::addColumn<QString>("expected"); // empty for an invalid index
+    QTest::addColumn<QString>("expected"); // the path again; empty for an invalid index
     QTest::addColumn<int>("depth");
-
-    QTest::newRow("nothing") << ""
-                             << "" << 0;
-    QTest::newRow("drives") << RemoteFileSystemModel::tr("My Computer") << "" << 0;
-    QTest::newRow("resource") << ":/a"
-                              << "" << 0;
-    QTest::newRow("missing") << "/none/a"
-                             << "" << 0;
-    QTest::newRow("missing, served") << "remote:/none"
-                                     << "" << 0;
-    QTest::newRow("root") << "/"
-                          << "/" << 1;
-    QTest::newRow("below the root") << "/usr/lib"
-                                    << "//usr/lib" << 3;
-    QTest::newRow("two slashes") << "//usr//lib/"
-                                 << "//usr/lib" << 3;
-    QTest::newRow("prefix") << "remote:"
-                            << "remote:" << 1;
-    QTest::newRow("prefix with slash") << "remote:/"
-                                       << "remote:" << 1;
-    QTest::newRow("served") << "remote:/d/e"
-                            << "remote:/d/e" << 3;
-    QTest::newRow("served, by case") << "remote:/D"
-                                     << "" << 0;
+    const auto row = [](const char *path, const char *expected, int depth) {
+        QTest::newRow(path) << QString::fromUtf8(expected) << depth;
+    };
+    row("", "", 0);
+    row("My Computer", "", 0);
+    row(":/a", "", 0);
+    row("/none/a", "", 0);
+    row("remote:/none", "", 0);
+    row("remote:/D", "", 0);
+    row("/", "/", 1);
+    row("//usr//lib/", "//usr/lib", 3);
+    row("remote:/", "remote:", 1);
+    row("remote:/d/e", "remote:/d/e", 3);
 }
 
 void tst_RemoteFileSystemModel::pathsBecomeNodesAndNodesPaths()
 {
-    QFETCH(QString, path);
+    const QString path = QString::fromUtf8(QTest::currentDataTag());
     QFETCH(QString, expected);
     QFETCH(int, depth);
     const Fixture f("d/e/");
     QModelIndex index = f.model->index(path);
     QCOMPARE(f.model->filePath(index), expected);
     QCOMPARE(f.model->index(path, 2).column(), expected.isEmpty() ? -1 : 2);
-    QVERIFY(f.model->isDir(index));
     QCOMPARE(f.model->index(f.model->filePath(index)), index);
-    int found = 0;
-    for (; index.isValid(); index = index.parent())
-        ++found;
-    QCOMPARE(found, depth);
-    QCOMPARE(f.model->rowCount(), depth > 0 ? 1 : 0);
-}
-
-void tst_RemoteFileSystemModel::namesBelowTheRootIgnoreCase()
-{
-    const Fixture f("d/ D/");
-    const QModelIndex index = f.index("d");
-    QVERIFY(index.isValid() && f.index("D").isValid() && f.index("D") != index);
-    f.model->index(remote);
-    QCOMPARE(f.model->filePath(f.model->index(QStringLiteral("remote:/d"))),
-             QStringLiteral("remote:/d"));
-}
-
-void tst_RemoteFileSystemModel::nothingIsListedBeforeARootIsSet()
-{
-    Fixture f("a");
-    QVERIFY(f.index().isValid());
-    QVERIFY(!f.model->canFetchMore({}) && !f.model->canFetchMore(f.index()));
-    f.model->fetchMore(f.index());
-    QVERIFY(f.gatherer().requests.isEmpty());
-    QVERIFY(f.show());
-    QVERIFY(!f.model->canFetchMore(f.index()));
-    QVERIFY(!f.model->canFetchMore(f.index("a")));
-    QCOMPARE(f.gatherer().requests.count(f.base + QLatin1Char('|')), 1);
+    for (; depth > 0; --depth)
+        index = index.parent();
+    QVERIFY(!index.isValid());
+    QCOMPARE(f.model->rowCount(), expected.isEmpty() ? 0 : 1);
 }
 
 void tst_RemoteFileSystemModel::settingTheRootMovesListingAndWatch()
 {
     Fixture f("d/ file");
     QSignalSpy changed(f.model.get(), &RemoteFileSystemModel::rootPathChanged);
+    f.model->fetchMore(f.index()); // nothing is listed before a root is set
+    QVERIFY(!f.model->canFetchMore({}) && f.gatherer().requests.isEmpty());
     QVERIFY(f.show());
-    QCOMPARE(f.model->rootPath(), f.base);
-    QCOMPARE(f.model->setRootPath(f.path(QStringLiteral("d/.."))), f.index());
-    QCOMPARE(f.model->setRootPath(f.path(QStringLiteral("none"))), f.index());
-    QCOMPARE(f.model->setRootPath(f.path(QStringLiteral("file"))), f.index());
+    QVERIFY(!f.model->canFetchMore(f.index()) && !f.model->canFetchMore(f.index("file")));
+    for (const char *const unusable : {"d/..", "none", "file"})
+        QCOMPARE(f.model->setRootPath(f.path(QString::fromUtf8(unusable))), f.index());
+    QCOMPARE(f.gatherer().requests.count(f.base + QLatin1Char('|')), 1);
     QCOMPARE(changed.size(), 1);
 
-    QCOMPARE(f.model->setRootPath(f.path(QStringLiteral("d/"))), f.index("d"));
-    QCOMPARE(f.gatherer().unwatched, QStringList(f.base));
+    QCOMPARE(f.model->setRootPath(f.path("d/"_s)), f.index("d"));
+    QCOMPARE(f.gatherer().unwatched, QStringList{f.base});
     QVERIFY(f.model->canFetchMore(f.index()));
     QVERIFY(f.waitForLoaded());
     QCOMPARE(f.model->setRootPath({}), QModelIndex());
-    QCOMPARE(f.model->rootPath(), QString());
-    QCOMPARE(f.gatherer().unwatched.size(), 2);
-    QVERIFY(f.gatherer().requests.contains(QStringLiteral("|")));
     f.model->setRootPath({});
+    QCOMPARE(f.model->rootPath(), QString());
+    QVERIFY(f.gatherer().requests.contains("|"_s));
     QCOMPARE(changed.size(), 3);
     QCOMPARE(f.model->setRootPath(f.base), f.index());
     QVERIFY(f.waitForLoaded());
-    QCOMPARE(f.gatherer().unwatched.size(), 2);
-    QCOMPARE(f.rows(), QStringLiteral("d file"));
-
-    f.model->setNameFilters({QStringLiteral("*.c")});
-    QCOMPARE(f.model->rootDirectory().nameFilters(), f.model->nameFilters());
+    QCOMPARE(f.gatherer().unwatched.size(), 2); // none for the level of the drives
+    QCOMPARE(f.rows(), "d file"_s);
+    f.model->setNameFilters({"*.c"_s});
+    QCOMPARE(f.model->rootDirectory().nameFilters(), QStringList{"*.c"_s});
     QCOMPARE(f.model->rootDirectory().filter(), f.model->filter());
 }
 
@@ -280,13 +237,13 @@ void tst_RemoteFileSystemModel::filteredNodesAppearOnlyWhenTheyBecomeTheRoot()
     Fixture f(".hidden/x .other/ b");
     QVERIFY(f.index(".other").isValid()); // was not known to be hidden
     QVERIFY(f.show());
-    QCOMPARE(f.rows(), QStringLiteral(".other b"));
+    QCOMPARE(f.rows(), ".other b"_s);
     QVERIFY(!f.index(".hidden").isValid());
-    const QModelIndex hidden = f.model->setRootPath(f.path(QStringLiteral(".hidden")));
-    QCOMPARE(hidden.data().toString(), QStringLiteral(".hidden"));
+    const QModelIndex hidden = f.model->setRootPath(f.path(".hidden"_s));
+    QCOMPARE(hidden.data().toString(), ".hidden"_s);
     QVERIFY(f.waitForLoaded());
-    QCOMPARE(f.rows(hidden), QStringLiteral("x"));
-    QCOMPARE(f.rows(), QStringLiteral(".hidden .other b"));
+    QCOMPARE(f.rows(hidden), "x"_s);
+    QCOMPARE(f.rows(), ".hidden .other b"_s);
 }
 
 void tst_RemoteFileSystemModel::cellsShowNameSizeTypeAndDate()
@@ -294,103 +251,54 @@ void tst_RemoteFileSystemModel::cellsShowNameSizeTypeAndDate()
     Fixture f("d/ a.txt");
     QVERIFY(f.show());
     const QModelIndex file = f.index("a.txt");
-    const QFileInfo info(f.folder.local(QStringLiteral("a.txt")));
-    const auto text = [](const QModelIndex &index, int column, int role = Qt::DisplayRole) {
-        return index.siblingAtColumn(column).data(role);
-    };
-    QCOMPARE(text(file, 0), QVariant(QStringLiteral("a.txt")));
-    QCOMPARE(text(file, 0, Qt::EditRole), QVariant(QStringLiteral("a.txt")));
-    QCOMPARE(text(file, 1), QVariant(QStringLiteral("5 bytes")));
-    QCOMPARE(text(f.index("d"), 1), QVariant(QString()));
-    QCOMPARE(text(file, 2), QVariant(QFileIconProvider().type(info)));
-    QCOMPARE(text(file, 3),
-             QVariant(QLocale::system().toString(info.lastModified(), QLocale::ShortFormat)));
-    QCOMPARE(text(file, 1, Qt::TextAlignmentRole).toInt(), int(Qt::AlignRight));
-    QVERIFY(!text(file, 0, Qt::TextAlignmentRole).isValid());
-    QVERIFY(!text(file, 1, Qt::DecorationRole).isValid());
-    QVERIFY(!text(file, 0, Qt::ToolTipRole).isValid());
-    QCOMPARE(text(file, 3, 257).toString(), QLatin1Char('/') + f.path(QStringLiteral("a.txt")));
-    QCOMPARE(text(file, 3, 258).toString(), QStringLiteral("a.txt"));
-    QCOMPARE(text(file, 0, 259).toInt(), int(info.permissions()));
-    QCOMPARE(f.model->fileInfo(file), info);
-    QCOMPARE(f.model->size(file), 5);
-    QCOMPARE(f.model->lastModified(file), info.lastModified());
-    QVERIFY(f.model->isDir(f.index("d")) && !f.model->isDir(file));
-    QVERIFY(!f.model->fileIcon(file).isNull() && f.model->fileIcon({}).isNull());
-    QVERIFY(!f.model->lastModified({}).isValid());
+    const auto data = [&](int column, int role) { return file.siblingAtColumn(column).data(role); };
+    QCOMPARE(data(1, Qt::DisplayRole).toString(), "5 bytes"_s);
+    QCOMPARE(f.index("d").siblingAtColumn(1).data().toString(), QString());
+    QCOMPARE(data(0, Qt::EditRole).toString(), "a.txt"_s);
+    QCOMPARE(data(1, Qt::TextAlignmentRole).toInt(), int(Qt::AlignRight));
+    QCOMPARE(data(3, 257).toString(), QLatin1Char('/') + f.path("a.txt"_s));
+    QCOMPARE(data(3, 258).toString(), "a.txt"_s);
+    for (const int role : {int(Qt::TextAlignmentRole), int(Qt::ToolTipRole), 256, 260})
+        QVERIFY(!data(0, role).isValid());
+    QVERIFY(!data(1, Qt::DecorationRole).isValid() && data(0, Qt::DecorationRole).isValid());
+    QVERIFY(f.model->isDir({}) && !f.model->lastModified({}).isValid());
     QCOMPARE(f.model->roleNames().value(Qt::DecorationRole), QByteArray("fileIcon"));
     QCOMPARE(f.model->roleNames().value(259), QByteArray("filePermissions"));
+    announceWarning("data: invalid display value column 4"_s);
+    QVERIFY(!f.model->index(f.path("d"_s), 4).data().isValid());
 
-    announceWarning(QStringLiteral("data: invalid display value column 4"));
-    QVERIFY(!f.model->index(f.path(QStringLiteral("d")), 4).data().isValid());
+    QStringList headers;
+    for (int section = 0; section < 5; ++section)
+        headers += f.model->headerData(section, Qt::Horizontal).toString();
+    QCOMPARE(headers.join(QLatin1Char('|')), "Name|Size|Type|Date Modified|"_s);
+    QCOMPARE(f.model->headerData(3, Qt::Vertical, Qt::TextAlignmentRole).toInt(), 1);
+    const auto spacer = f.model->headerData(0, Qt::Horizontal, Qt::DecorationRole).value<QImage>();
+    QCOMPARE(spacer.size(), QSize(16, 1));
+    QCOMPARE(spacer.pixelColor(5, 0).alpha(), 0);
 }
 
 void tst_RemoteFileSystemModel::sizesAreCutOffAtTheirUnit_data()
 {
     QTest::addColumn<qint64>("bytes");
-    QTest::addColumn<QString>("text");
+    const auto row = [](qint64 bytes, const char *text) { QTest::newRow(text) << bytes; };
     const qint64 kilo = 1024;
-    QTest::newRow("-1") << qint64(-1) << "-1 bytes";
-    QTest::newRow("0") << qint64(0) << "0 bytes";
-    QTest::newRow("1023") << kilo - 1 << "1023 bytes";
-    QTest::newRow("1 K") << kilo << "1 KB";
-    QTest::newRow("1.5 K") << qint64(1536) << "1 KB";
-    QTest::newRow("below 1 M") << kilo * kilo - 1 << "1023 KB";
-    QTest::newRow("1 M") << kilo * kilo << "1.0 MB";
-    QTest::newRow("below 1 G") << kilo * kilo * kilo - 1 << "1024.0 MB";
-    QTest::newRow("1 G") << kilo * kilo * kilo << "1.00 GB";
-    QTest::newRow("1 T") << kilo * kilo * kilo * kilo << "1.000 TB";
-    QTest::newRow("most") << std::numeric_limits<qint64>::max() << "8388608.000 TB";
+    row(-1, "-1 bytes");
+    row(0, "0 bytes");
+    row(1023, "1023 bytes");
+    row(1536, "1 KB");
+    row(kilo * kilo - 1, "1023 KB");
+    row(kilo * kilo, "1.0 MB");
+    row(kilo * kilo * kilo - 1, "1024.0 MB");
+    row(kilo * kilo * kilo, "1.00 GB");
+    row(kilo * kilo * kilo * kilo, "1.000 TB");
+    row(std::numeric_limits<qint64>::max(), "8388608.000 TB");
 }
 
 void tst_RemoteFileSystemModel::sizesAreCutOffAtTheirUnit()
 {
     QFETCH(qint64, bytes);
-    QTEST(tul::sizeText(bytes, QLocale(QLocale::English)), "text");
-}
-
-void tst_RemoteFileSystemModel::headersNameTheColumns()
-{
-    const Fixture f;
-    QStringList texts;
-    for (int section = 0; section < 5; ++section)
-        texts += f.model->headerData(section, Qt::Horizontal).toString();
-    QCOMPARE(texts.join(QLatin1Char('|')), QStringLiteral("Name|Size|Type|Date Modified|"));
-    QCOMPARE(f.model->headerData(3, Qt::Vertical, Qt::TextAlignmentRole).toInt(),
-             int(Qt::AlignLeft));
-    QCOMPARE(f.model->headerData(6, Qt::Vertical).toInt(), 7); // the base class's
-    const auto spacer = f.model->headerData(0, Qt::Horizontal, Qt::DecorationRole).value<QImage>();
-    QCOMPARE(spacer.size(), QSize(16, 1));
-    QCOMPARE(spacer.pixelColor(5, 0).alpha(), 0);
-    QSignalSpy changed(f.model.get(), &QAbstractItemModel::headerDataChanged);
-    QEvent event(QEvent::LanguageChange);
-    QCoreApplication::sendEvent(f.model.get(), &event);
-    QCOMPARE(changed.size(), 1);
-}
-
-void tst_RemoteFileSystemModel::flagsFollowPermissionsFiltersAndReadOnly()
-{
-    Fixture f("d/ a.c locked", true);
-    QVERIFY(
-        QFile::setPermissions(f.folder.local(QStringLiteral("locked")), QFileDevice::ReadOwner));
-    QVERIFY(f.show());
-    const Qt::ItemFlags plain = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
-    const auto flags = [&](const char *name, int column = 0) {
-        return f.index(name).siblingAtColumn(column).flags();
-    };
-    QCOMPARE(flags("d"),
-             plain | Qt::ItemIsDragEnabled | Qt::ItemIsEditable | Qt::ItemIsDropEnabled);
-    QCOMPARE(flags("a.c"), plain | Qt::ItemIsDragEnabled | Qt::ItemIsEditable);
-    QCOMPARE(flags("a.c", 1), plain | Qt::ItemIsDragEnabled);
-    if (!QFileInfo(f.folder.local(QStringLiteral("locked"))).isWritable()) // root may write all
-        QCOMPARE(flags("locked"), plain | Qt::ItemIsDragEnabled);
-    f.model->setNameFilters({QStringLiteral("*.h")});
-    QCOMPARE(flags("a.c"), Qt::ItemFlags(Qt::ItemIsSelectable));
-    QCOMPARE(flags("d"),
-             plain | Qt::ItemIsDragEnabled | Qt::ItemIsEditable | Qt::ItemIsDropEnabled);
-    f.model->setReadOnly(true);
-    QCOMPARE(flags("d"), plain | Qt::ItemIsDragEnabled);
-    QCOMPARE(f.model->flags({}), Qt::ItemFlags());
+    const QString text = tul::sizeText(bytes, QLocale(QLocale::English));
+    QCOMPARE(text, QString::fromUtf8(QTest::currentDataTag()));
 }
 
 void tst_RemoteFileSystemModel::renamingMovesTheNode_data()
@@ -407,94 +315,72 @@ void tst_RemoteFileSystemModel::renamingMovesTheNode()
     QVERIFY(f.show());
     QSignalSpy renamed(f.model.get(), &RemoteFileSystemModel::fileRenamed);
     const QPersistentModelIndex index = f.index("a");
-    QVERIFY(f.model->setData(index, QStringLiteral("a"))); // nothing to do
-    QVERIFY(!f.model->setData(index, QStringLiteral("x"), Qt::DisplayRole));
-    QVERIFY(!f.model->setData(index.sibling(0, 1), QStringLiteral("x")));
-    QVERIFY(f.model->setData(index, QStringLiteral("z")));
-    QCOMPARE(
-        renamed.takeFirst(),
-        (QVariantList{f.model->filePath(f.index()), QStringLiteral("a"), QStringLiteral("z")}));
-    QTRY_COMPARE(f.rows(), QStringLiteral("b c z"));
-    QCOMPARE(index.data().toString(), QStringLiteral("z"));
+    QVERIFY(f.model->setData(index, "a"_s)); // nothing to do
+    QVERIFY(!f.model->setData(index, "x"_s, Qt::DisplayRole));
+    QVERIFY(!f.model->setData(index.sibling(0, 1), "x"_s));
+    QVERIFY(f.model->setData(index, "z"_s));
+    QCOMPARE(renamed.takeFirst(), (QVariantList{f.model->filePath(f.index()), "a"_s, "z"_s}));
+    QTRY_COMPARE(f.rows(), "b c z"_s);
+    QCOMPARE(index.data().toString(), "z"_s);
     QCOMPARE(index.row(), 2);
-    QVERIFY(QFile::exists(f.folder.local(QStringLiteral("z"))));
+    QVERIFY(QFile::exists(f.folder.local("z"_s)));
     QVERIFY(!f.index("a").isValid());
-    QCOMPARE(f.model->fileInfo(index).fileName(), QStringLiteral("z"));
+    QCOMPARE(f.model->fileInfo(index).fileName(), "z"_s);
 }
 
 void tst_RemoteFileSystemModel::unusableNamesAreRefusedWithABox_data()
 {
-    QTest::addColumn<bool>("isServed");
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("isTop");
-    for (const bool isServed : {false, true}) {
-        const char *const side = isServed ? "served" : "local";
-        QTest::addRow("%s, empty", side) << isServed << "" << false;
-        QTest::addRow("%s, slash", side) << isServed << "x/y" << false;
-        QTest::addRow("%s, taken", side) << isServed << "b" << false;
-        QTest::addRow("%s, top", side) << isServed << "x" << true;
-    }
+    QTest::newRow("empty") << QString() << false;
+    QTest::newRow("slash") << "x/y"_s << false;
+    QTest::newRow("taken") << "b"_s << false;
+    QTest::newRow("top") << "x"_s << true;
 }
 
 void tst_RemoteFileSystemModel::unusableNamesAreRefusedWithABox()
 {
-    QFETCH(bool, isServed);
     QFETCH(QString, name);
     QFETCH(bool, isTop);
-    Fixture f("a b", isServed);
+    Fixture f("a b", true);
     QVERIFY(f.show());
-    QModelIndex index = f.index("a");
-    while (isTop && index.parent().isValid())
-        index = index.parent();
-    announceWarning(QStringLiteral("This plugin does not support propagateSizeHints()"));
+    announceWarning("This plugin does not support propagateSizeHints()"_s);
     const BoxReader box;
-    QVERIFY(!f.model->setData(index, name));
-    QCOMPARE(box.said,
-             QStringLiteral("Invalid filename|<b>The name \"%1\" can not be used.</b><p>Try using "
-                            "another name, with fewer characters or no punctuations marks.")
-                 .arg(name));
-    QCOMPARE(f.rows(), QStringLiteral("a b"));
-    QFile kept(f.folder.local(QStringLiteral("b")));
-    QVERIFY(kept.open(QIODevice::ReadOnly));
-    QCOMPARE(kept.readAll(), QByteArray("b"));
+    QVERIFY(!f.model->setData(f.index(isTop ? "" : "a"), name));
+    QCOMPARE(box.said.section(QLatin1Char('|'), 0, 0), "Invalid filename"_s);
+    QVERIFY(box.said.contains("<b>The name \"%1\" can not be used.</b><p>Try"_s.arg(name)));
+    QCOMPARE(f.rows(), "a b"_s);
+    QCOMPARE(QFileInfo(f.folder.local("b"_s)).size(), 1);
 }
 
 void tst_RemoteFileSystemModel::renamingADirectoryListsItsChildrenAnew()
 {
     Fixture f("d/x");
     QVERIFY(f.show());
-    QTRY_COMPARE(f.rows(f.index("d")), QStringLiteral("x")); // fetched by the tester
-    QVERIFY(f.model->setData(f.index("d"), QStringLiteral("e")));
-    QTRY_COMPARE(f.rows(f.index("e")), QStringLiteral("x"));
-    QCOMPARE(f.model->fileInfo(f.index("e/x")).filePath(), f.path(QStringLiteral("e/x")));
-    QVERIFY(f.gatherer().unwatched.contains(f.path(QStringLiteral("d"))));
+    QTRY_COMPARE(f.rows(f.index("d")), "x"_s); // fetched by the tester
+    QVERIFY(f.model->setData(f.index("d"), "e"_s));
+    QTRY_COMPARE(f.rows(f.index("e")), "x"_s);
+    QCOMPARE(f.model->fileInfo(f.index("e/x")).filePath(), f.path("e/x"_s));
+    QVERIFY(f.gatherer().unwatched.contains(f.path("d"_s)));
 }
 
 void tst_RemoteFileSystemModel::draggedUrlsLeadBack_data()
 {
-    QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("url");
-    QTest::newRow("top") << "/usr"
-                         << "file:///usr";
-    QTest::newRow("below") << "/usr/lib"
-                           << "file://usr/lib"; // by design
-    QTest::newRow("served") << "remote:/D/1.2"
-                            << "file:remote:/D/1.2";
-    QTest::newRow("prefix") << "remote:"
-                            << "file:remote:";
-    QTest::newRow("odd name") << "remote:/D/50% a#b?c"
-                              << "file:remote:/D/50%25 a%23b%3Fc";
+    QTest::newRow("/usr") << "file:///usr"_s;
+    QTest::newRow("/usr/lib") << "file://usr/lib"_s; // by design
+    QTest::newRow("remote:") << "file:remote:"_s;
+    QTest::newRow("remote:/D/50% a#b?c") << "file:remote:/D/50%25 a%23b%3Fc"_s;
 }
 
 void tst_RemoteFileSystemModel::draggedUrlsLeadBack()
 {
-    QFETCH(QString, path);
-    const Fixture f("D/1.2 ");
-    f.folder.make(QStringLiteral("D/50% a#b?c"));
+    const QString path = QString::fromUtf8(QTest::currentDataTag());
+    Fixture f;
+    f.make("D/50% a#b?c"_s);
     const QModelIndex index = f.model->index(path);
-    QVERIFY(index.isValid());
-    QCOMPARE(f.model->mimeTypes(), QStringList(QStringLiteral("text/uri-list")));
     const std::unique_ptr<QMimeData> data(f.model->mimeData({index, index.siblingAtColumn(1)}));
+    QCOMPARE(data->formats(), f.model->mimeTypes());
     QCOMPARE(data->urls().size(), 1);
     QTEST(data->urls().constFirst().toString(), "url");
     QCOMPARE(QDir::cleanPath(data->urls().constFirst().toLocalFile()), path);
@@ -502,51 +388,48 @@ void tst_RemoteFileSystemModel::draggedUrlsLeadBack()
 
 void tst_RemoteFileSystemModel::droppedFilesAreCopiedMovedAndLinked_data()
 {
-    QTest::addColumn<bool>("isServed");
-    QTest::addColumn<Qt::DropAction>("action");
+    QTest::addColumn<int>("action");
     QTest::addColumn<QString>("dropped");
     QTest::addColumn<bool>("result");
     QTest::addColumn<QString>("top");
     QTest::addColumn<QString>("target");
-    for (const bool isServed : {false, true}) {
-        const char *const side = isServed ? "served" : "local";
-        const auto row = [&](const char *what) -> QTestData & {
-            return QTest::addRow("%s, %s", side, what) << isServed;
-        };
-        row("copy") << Qt::CopyAction << "a b" << true << "d a b"
-                    << "a b c";
-        row("move") << Qt::MoveAction << "a b" << true << "d"
-                    << "a b c";
-        row("link") << Qt::LinkAction << "a" << true << "d a b"
-                    << "a c";
-        row("taken, missing, directory") << Qt::CopyAction << "d/c none d b" << false << "d a b"
-                                         << "b c";
-        row("refused") << Qt::IgnoreAction << "a" << false << "d a b"
-                       << "c";
-    }
+    const auto row = [](const char *name, Qt::DropAction action, const char *dropped, bool result,
+                        const char *top, const char *target) {
+        QTest::newRow(name) << int(action) << QString::fromUtf8(dropped) << result
+                            << QString::fromUtf8(top) << QString::fromUtf8(target);
+    };
+    row("copy", Qt::CopyAction, "a b", true, "d a b", "a b c");
+    row("move", Qt::MoveAction, "a b", true, "d", "a b c");
+    row("link", Qt::LinkAction, "a", true, "d a b", "a c");
+    row("taken, missing, directory", Qt::CopyAction, "d/c none d b", false, "d a b", "b c");
+    row("refused", Qt::IgnoreAction, "a", false, "d a b", "c");
 }
 
 void tst_RemoteFileSystemModel::droppedFilesAreCopiedMovedAndLinked()
 {
-    QFETCH(bool, isServed);
-    QFETCH(Qt::DropAction, action);
+    QFETCH(int, action);
     QFETCH(QString, dropped);
-    Fixture f("d/c a b", isServed);
-    QVERIFY(f.show());
-    QList<QUrl> urls;
-    for (const QString &name : dropped.split(QLatin1Char(' ')))
-        urls.append(QUrl::fromLocalFile(f.path(name)));
-    QMimeData data;
-    data.setUrls(urls);
-    QTEST(f.model->dropMimeData(&data, action, 3, 2, f.index("d")), "result");
-    QFETCH(QString, target);
-    QTRY_COMPARE(f.rows(f.index("d")), target);
+    QFETCH(bool, result);
     QFETCH(QString, top);
-    QTRY_COMPARE(f.rows(), top);
-
-    QVERIFY(!f.model->dropMimeData(&data, Qt::CopyAction, 0, 0, {}));
-    f.model->setReadOnly(true);
-    QVERIFY(!f.model->dropMimeData(&data, Qt::CopyAction, 0, 0, f.index("d")));
+    QFETCH(QString, target);
+    for (const bool isServed : {false, true}) {
+        Fixture f("d/c a b", isServed);
+        QVERIFY(f.show());
+        QList<QUrl> urls;
+        for (const QString &name : dropped.split(QLatin1Char(' ')))
+            urls.append(QUrl::fromLocalFile(f.path(name)));
+        QMimeData data;
+        data.setUrls(urls);
+        const auto drop = [&](const QModelIndex &parent) {
+            return f.model->dropMimeData(&data, Qt::DropAction(action), 3, 2, parent);
+        };
+        QCOMPARE(drop(f.index("d")), result);
+        QTRY_COMPARE(f.rows(f.index("d")), target);
+        QTRY_COMPARE(f.rows(), top);
+        QVERIFY(!drop({}));
+        f.model->setReadOnly(true);
+        QVERIFY(!drop(f.index("d")));
+    }
 }
 
 void tst_RemoteFileSystemModel::directoriesAreMadeAndRemoved_data()
@@ -559,47 +442,39 @@ void tst_RemoteFileSystemModel::directoriesAreMadeAndRemoved()
     QFETCH(bool, isServed);
     Fixture f("d/e/x d/y k", isServed);
     QVERIFY(f.show());
-    const QModelIndex made = f.model->mkdir(f.index(), QStringLiteral("new"));
-    QCOMPARE(f.model->filePath(made), f.model->filePath(f.index()) + QStringLiteral("/new"));
+    const QModelIndex made = f.model->mkdir(f.index(), "new"_s);
+    QCOMPARE(f.model->filePath(made), f.model->filePath(f.index()) + "/new"_s);
     QVERIFY(f.model->isDir(made));
-    QTRY_COMPARE(f.rows(), QStringLiteral("d new k"));
-    QVERIFY(!f.model->mkdir(f.index(), QStringLiteral("new")).isValid());
+    QTRY_COMPARE(f.rows(), "d new k"_s);
+    QVERIFY(!f.model->mkdir(f.index(), "new"_s).isValid());
     QVERIFY(!f.model->mkdir(f.index(), QString()).isValid());
-    QVERIFY(!f.model->mkdir({}, QStringLiteral("x")).isValid());
-    QCOMPARE(f.model->mkdir(f.index(), QStringLiteral("new/sub")).parent(), f.index("new"));
+    QVERIFY(!f.model->mkdir({}, "x"_s).isValid());
+    QCOMPARE(f.model->mkdir(f.index(), "new/sub"_s).parent(), f.index("new"));
 
     QVERIFY(!f.model->rmdir(f.index("d"))); // not empty
     QVERIFY(f.model->rmdir(f.index("new/sub")) && f.model->rmdir(f.index("new")));
-    QTRY_COMPARE(f.rows(), QStringLiteral("d k"));
+    QTRY_COMPARE(f.rows(), "d k"_s);
     QVERIFY(f.model->remove(f.index("d")));
     QVERIFY(f.model->remove(f.index("k")));
     QTRY_COMPARE(f.rows(), QString());
-    QVERIFY(!QFile::exists(f.folder.local(QStringLiteral("d"))));
+    QVERIFY(!QFile::exists(f.folder.local("d"_s)));
     QVERIFY(!f.model->remove({}) && !f.model->rmdir({}));
-    QVERIFY(f.gatherer().unwatched.contains(f.path(QStringLiteral("d/e"))));
+    QVERIFY(f.gatherer().unwatched.contains(f.path("d/e"_s)));
 }
 
 void tst_RemoteFileSystemModel::removingALinkSparesItsTarget()
 {
-    Fixture f("target/x d/y");
-    const QString target = f.folder.local(QStringLiteral("target"));
-    QVERIFY(QFile::link(target, f.folder.local(QStringLiteral("d/below"))));
-    QVERIFY(QFile::link(target, f.folder.local(QStringLiteral("link"))));
+    Fixture f("target/x d/y kept/e/.hidden kept/f", true);
+    const QString target = f.folder.local("target"_s);
+    QVERIFY(QFile::link(target, f.folder.local("d/below"_s)));
+    QVERIFY(QFile::link(target, f.folder.local("link"_s)));
     QVERIFY(f.show());
-    QVERIFY(f.model->remove(f.index("link")));
-    QVERIFY(f.model->remove(f.index("d")));
-    QTRY_COMPARE(f.rows(), QStringLiteral("target"));
-    QVERIFY(QFile::exists(target + QStringLiteral("/x")));
-}
-
-void tst_RemoteFileSystemModel::removingReportsAPartialSuccess()
-{
-    Fixture f("d/e/.hidden d/f", true);
-    QVERIFY(f.show());
-    QTRY_COMPARE(f.rows(f.index("d")), QStringLiteral("e f"));
-    QVERIFY(f.model->remove(f.index("d")));
-    QTRY_COMPARE(f.rows(f.index("d")), QStringLiteral("e"));
-    QVERIFY(!f.model->remove(f.index("d")));
+    QVERIFY(f.model->remove(f.index("link")) && f.model->remove(f.index("d")));
+    QVERIFY(f.model->remove(f.index("kept"))); // of what is in it only a part can be removed
+    QVERIFY(!f.model->remove(f.index("kept")));
+    QTRY_COMPARE(f.rows(), "kept target"_s);
+    QTRY_COMPARE(f.rows(f.index("kept")), "e"_s);
+    QVERIFY(QFile::exists(target + "/x"_s));
 }
 
 void tst_RemoteFileSystemModel::persistentIndexesFollowTheirFiles()
@@ -616,15 +491,15 @@ void tst_RemoteFileSystemModel::persistentIndexesFollowTheirFiles()
     f.model->sort(0, Qt::DescendingOrder);
     f.model->sort(4, Qt::AscendingOrder);
     QCOMPARE(layouts.size(), 1);
-    QCOMPARE(f.rows().section(QLatin1Char(' '), -1), QStringLiteral("d"));
-    QCOMPARE(file.data().toString(), QStringLiteral("c"));
+    QCOMPARE(f.rows().section(QLatin1Char(' '), -1), "d"_s);
+    QCOMPARE(file.data().toString(), "c"_s);
     QCOMPARE(QModelIndex(cell), f.index("b").siblingAtColumn(2));
 
     f.model->setFilter(QDir::Files); // the directory goes, and what is below with it
     QTRY_COMPARE(f.rows().count(QLatin1Char(' ')), 3);
     QVERIFY(!below.isValid());
     QCOMPARE(file, f.index("c"));
-    f.model->setNameFilters({QStringLiteral("A*")});
+    f.model->setNameFilters({"A*"_s});
     QCOMPARE(f.model->rowCount(f.index()), 4); // greyed
     f.model->setNameFilterDisables(false);
     QTRY_COMPARE(f.model->rowCount(f.index()), 2);
@@ -651,28 +526,21 @@ void tst_RemoteFileSystemModel::changesAreAnnouncedInRuns()
     QCOMPARE(changed.at(0).at(1).toModelIndex(), f.index("c").siblingAtColumn(3));
     QCOMPARE(changed.at(1).at(0).toModelIndex(), f.index("e"));
     QCOMPARE(f.model->size(f.index("e")), 6);
-}
-
-void tst_RemoteFileSystemModel::aFileThatBecomesADirectoryMovesUp()
-{
-    Fixture f("a b");
-    QVERIFY(f.show());
-    QVERIFY(QFile::remove(f.folder.local(QStringLiteral("b"))));
-    f.make(QStringLiteral("b/"));
+    QVERIFY(QFile::remove(f.folder.local("b"_s)));
+    f.make("b/"_s);
     f.report(words("b"));
-    QTRY_COMPARE(f.rows(), QStringLiteral("b a"));
+    QTRY_COMPARE(f.rows(), "b a c d e"_s);
 }
 
 void tst_RemoteFileSystemModel::permissionsAskedForMustBeThere()
 {
     Fixture f("a b d/");
-    QVERIFY(QFile::setPermissions(f.folder.local(QStringLiteral("b")),
-                                  QFileDevice::Permissions(0x7700)));
+    QVERIFY(QFile::setPermissions(f.folder.local("b"_s), QFileDevice::Permissions(0x7700)));
     f.model->setFilter(f.model->filter() | QDir::Executable);
     QVERIFY(f.show());
-    QCOMPARE(f.rows(), QStringLiteral("d b"));
+    QCOMPARE(f.rows(), "d b"_s);
     f.model->setFilter(f.model->filter() | QDir::Readable | QDir::Writable); // all are none
-    QTRY_COMPARE(f.rows(), QStringLiteral("d a b"));
+    QTRY_COMPARE(f.rows(), "d a b"_s);
 }
 
 void tst_RemoteFileSystemModel::manyScatteredRowsVanishTogether()
@@ -680,7 +548,7 @@ void tst_RemoteFileSystemModel::manyScatteredRowsVanishTogether()
     Fixture f;
     QStringList odd;
     for (int i = 0; i < 200; ++i) {
-        const QString name = QStringLiteral("f%1").arg(1000 + i);
+        const QString name = "f%1"_s.arg(1000 + i);
         f.make(name);
         if (i % 2 == 1)
             odd += name;
@@ -703,11 +571,11 @@ void tst_RemoteFileSystemModel::hugeBatchesArriveInSlicesBeforeTheEnd()
     f.tester.reset(); // looks at all rows for each slice
     QVERIFY(f.show());
     f.gatherer().works = false;
-    const QFileInfo info(f.folder.local(QStringLiteral("x")));
+    const QFileInfo info(f.folder.local("x"_s));
     Updates updates;
     QStringList names;
     for (int i = 0; i < 100000; ++i) {
-        names += QStringLiteral("n%1").arg((i * 7919) % 100000);
+        names += "n%1"_s.arg((i * 7919) % 100000);
         updates.append({names.last(), info});
     }
     QSignalSpy inserted(f.model.get(), &QAbstractItemModel::rowsInserted);
@@ -719,7 +587,7 @@ void tst_RemoteFileSystemModel::hugeBatchesArriveInSlicesBeforeTheEnd()
     f.model->sort(0, Qt::DescendingOrder);
     QTRY_COMPARE(f.loaded.size(), 1);
     QVERIFY(inserted.size() > 1);
-    QTRY_COMPARE(f.model->index(0, 0, f.index()).data().toString(), QStringLiteral("n99999"));
+    QTRY_COMPARE(f.model->index(0, 0, f.index()).data().toString(), "n99999"_s);
     QCOMPARE(f.model->rowCount(f.index()), 100000); // "x" is not in the list
 }
 
@@ -728,27 +596,26 @@ void tst_RemoteFileSystemModel::strangeReportsAreSurvived()
     Fixture f("a b sub/x");
     QVERIFY(f.show());
     f.gatherer().works = false;
-    f.report({QStringLiteral("a"), QStringLiteral("a"), QString(), QStringLiteral("sub/x"),
-              QStringLiteral("none")});
-    f.report(words("a"), QStringLiteral("/nowhere"));
-    QCOMPARE(f.rows(), QStringLiteral("sub a b"));
-    QVERIFY(QFile::remove(f.folder.local(QStringLiteral("b"))));
+    f.report({"a"_s, "a"_s, QString(), "sub/x"_s, "none"_s});
+    f.report(words("a"), "/nowhere"_s);
+    QCOMPARE(f.rows(), "sub a b"_s);
+    QVERIFY(QFile::remove(f.folder.local("b"_s)));
     f.report(words("b b")); // has vanished before it was inspected
-    QCOMPARE(f.rows(), QStringLiteral("sub a"));
-    f.make(QStringLiteral("b"));
+    QCOMPARE(f.rows(), "sub a"_s);
+    f.make("b"_s);
     f.report(words("b b"));
-    QCOMPARE(f.rows(), QStringLiteral("sub a b"));
+    QCOMPARE(f.rows(), "sub a b"_s);
 
     // A receiver that makes rows and drops others.
     connect(f.model.get(), &QAbstractItemModel::rowsInserted, f.model.get(), [&] {
         f.index("late");
         Q_EMIT f.gatherer().newListOfFiles(f.base, words("new late"));
     });
-    f.make(QStringLiteral("new"));
-    f.make(QStringLiteral("late"));
+    f.make("new"_s);
+    f.make("late"_s);
     f.report(words("new a b"));
-    QTRY_COMPARE(f.rows(), QStringLiteral("late new"));
-    Q_EMIT f.gatherer().nameResolved(f.path(), QStringLiteral("x"));
+    QTRY_COMPARE(f.rows(), "late new"_s);
+    Q_EMIT f.gatherer().nameResolved(f.path(), "x"_s);
 
     // A receiver that deletes the model.
     auto *const model = new RemoteFileSystemModel;
@@ -760,7 +627,7 @@ void tst_RemoteFileSystemModel::servedListingsCostNoCallsHere()
 {
     Fixture f("d/ a.txt b noext", true);
     QVERIFY(f.show());
-    QCOMPARE(f.rows(), QStringLiteral("d a.txt b noext"));
+    QCOMPARE(f.rows(), "d a.txt b noext"_s);
     f.folder.forgetCalls();
     for (int row = 0; row < 4; ++row) {
         for (int column = 0; column < 4; ++column) {
@@ -780,23 +647,22 @@ void tst_RemoteFileSystemModel::refreshingShowsWhatNobodyReports()
 {
     Fixture f("a", true);
     QVERIFY(f.show());
-    f.make(QStringLiteral("b"));
+    f.make("b"_s);
     f.model->refresh(f.index());
-    QTRY_COMPARE(f.rows(), QStringLiteral("a b"));
-    QVERIFY(QFile::remove(f.folder.local(QStringLiteral("a"))));
+    QTRY_COMPARE(f.rows(), "a b"_s);
+    QVERIFY(QFile::remove(f.folder.local("a"_s)));
     f.model->refresh(f.index("b")); // no directory
     f.model->refresh(f.index());
-    QTRY_COMPARE(f.rows(), QStringLiteral("b"));
+    QTRY_COMPARE(f.rows(), "b"_s);
     f.model->refresh({});
-    QCOMPARE(f.gatherer().requests.last(), QStringLiteral("|"));
+    QCOMPARE(f.gatherer().requests.last(), "|"_s);
 }
 
 void tst_RemoteFileSystemModel::iconsAndTypesAreThoseOfTheProvider()
 {
     Fixture f("d/ a.txt B.TXT c.C c.c README noext x.tar.gz odd.xyzzy .txt CMakeLists.txt");
-    QVERIFY(QFile::link(f.folder.local(QStringLiteral("a.txt")),
-                        f.folder.local(QStringLiteral("l.txt"))));
-    QVERIFY(QFile::link(QStringLiteral("/none"), f.folder.local(QStringLiteral("broken"))));
+    QVERIFY(QFile::link(f.folder.local("a.txt"_s), f.folder.local("l.txt"_s)));
+    QVERIFY(QFile::link("/none"_s, f.folder.local("broken"_s)));
     f.model->setFilter(QDir::AllEntries | QDir::System | QDir::Hidden);
     QVERIFY(f.show());
     const QFileIconProvider provider;
@@ -816,81 +682,58 @@ void tst_RemoteFileSystemModel::hostsProvidersAreAskedForEachFile()
     class Provider : public QFileIconProvider
     {
     public:
-        QString type(const QFileInfo &info) const override
-        {
-            return ++asked, info.fileName().toUpper();
-        }
+        QString type(const QFileInfo &info) const override { return info.fileName().toUpper(); }
         QIcon icon(const QFileInfo &) const override { return {}; }
-        mutable int asked = 0;
     } provider;
     Fixture f("a.txt b.txt");
     QVERIFY(f.show());
-    QVERIFY(f.model->type(f.index("a.txt")) != QStringLiteral("A.TXT"));
-    QSignalSpy layouts(f.model.get(), &QAbstractItemModel::layoutChanged);
+    QVERIFY(f.model->type(f.index("a.txt")) != "A.TXT"_s);
     f.model->setIconProvider(&provider);
-    f.model->setIconProvider(&provider);
-    QTRY_COMPARE(layouts.size(), 1);
-    QCOMPARE(f.model->type(f.index("a.txt")), QStringLiteral("A.TXT"));
-    QCOMPARE(f.model->type(f.index("b.txt")), QStringLiteral("B.TXT"));
-    const int asked = provider.asked;
-    QCOMPARE(f.model->type(f.index("b.txt")), QStringLiteral("B.TXT"));
-    QCOMPARE(provider.asked, asked);
+    QCOMPARE(f.model->type(f.index("a.txt")), "A.TXT"_s);
+    QCOMPARE(f.model->type(f.index("b.txt")), "B.TXT"_s);
     f.model->setIconProvider(nullptr);
     QVERIFY(f.model->fileIcon(f.index("a.txt")).isNull());
     QVERIFY(!f.model->myComputer(Qt::DecorationRole).isValid());
 }
 
-void tst_RemoteFileSystemModel::unruly_data()
+void tst_RemoteFileSystemModel::unrulyEnginesDoNoHarm_data()
 {
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<QString>("rows");
-    QTest::newRow("ghosts") << "ghosts"
-                            << "a b";
-    QTest::newRow("broken") << "broken"
-                            << "a b";
-    QTest::newRow("odd names") << "names" << QString::fromUtf8("%s %n back\\slash new\nline ä");
-    QTest::newRow("endless") << "endless"
-                             << "";
+    QTest::addColumn<QString>("files");
+    QTest::newRow("ghosts") << "a b"_s;
+    QTest::newRow("broken") << "a b"_s;
+    QTest::newRow("odd names") << "%s %n back\\slash new\nline ä"_s;
+    QTest::newRow("endless") << QString();
 }
 
-void tst_RemoteFileSystemModel::unruly()
+void tst_RemoteFileSystemModel::unrulyEnginesDoNoHarm()
 {
-    QFETCH(QString, kind);
-    Fixture f(kind == QLatin1String("names") ? "" : "a b", true);
-    if (kind == QLatin1String("endless")) {
+    const auto isKind = [](const char *tag) { return qstrcmp(tag, QTest::currentDataTag()) == 0; };
+    QFETCH(QString, files);
+    Fixture f("", true);
+    for (const QString &name : files.split(QLatin1Char(' '), Qt::SkipEmptyParts))
+        f.make(name);
+    if (isKind("endless")) {
         f.tester.reset();
         f.folder.endless = true;
         f.model->setRootPath(remote);
         QTRY_VERIFY(f.gatherer().added.available() > 0);
         return; // the model goes while the listing runs
     }
-    if (kind == QLatin1String("ghosts"))
-        f.folder.setGhosts({QStringLiteral("ghost"), QStringLiteral("a"), QStringLiteral("x/y"),
-                            QStringLiteral(".")});
-    for (const char *const name : {"%s", "%n", "back\\slash", "new\nline", "\xc3\xa4"}) {
-        if (kind == QLatin1String("names"))
-            f.make(QString::fromUtf8(name));
-    }
+    if (isKind("ghosts"))
+        f.folder.setGhosts({"ghost"_s, "a"_s, "x/y"_s, "."_s});
     QVERIFY(f.show());
-    if (kind == QLatin1String("broken")) {
+    if (isKind("broken")) {
         f.folder.broken = true;
         f.model->refresh(f.index());
         QVERIFY(f.waitForLoaded());
         QVERIFY(!f.model->remove(f.index("a")));
-        QVERIFY(!f.model->mkdir(f.index(), QStringLiteral("c")).isValid());
-        announceWarning(QStringLiteral("This plugin does not support propagateSizeHints()"));
-        const BoxReader box;
-        QVERIFY(!f.model->setData(f.index("a"), QStringLiteral("c")));
+        QVERIFY(!f.model->mkdir(f.index(), "c"_s).isValid());
     }
-    const QModelIndex root = f.model->index(remote);
-    QStringList found = f.rows(root).split(QLatin1Char(' '));
-    QFETCH(QString, rows);
-    QStringList expected = rows.split(QLatin1Char(' '));
+    QStringList found = f.rows().split(QLatin1Char(' '));
     found.sort();
-    expected.sort();
-    QCOMPARE(found, expected);
-    for (int row = 0; row < f.model->rowCount(root); ++row) {
-        const QModelIndex index = f.model->index(row, 0, root);
+    QCOMPARE(found.join(QLatin1Char(' ')), files);
+    for (int row = 0; row < f.model->rowCount(f.index()); ++row) {
+        const QModelIndex index = f.model->index(row, 0, f.index());
         QCOMPARE(f.model->index(f.model->filePath(index)), index);
     }
 }

@@ -8,7 +8,6 @@ TestGatherer::TestGatherer(const QString &folder, QObject *parent)
 
 TestGatherer::~TestGatherer()
 {
-    gate.release();
     stop();
 }
 
@@ -21,8 +20,6 @@ void TestGatherer::removePath(const QString &path)
 void TestGatherer::addPath(const QString &path)
 {
     added.release();
-    if (isGated)
-        gate.acquire();
     RemoteFileInfoGatherer::addPath(path);
 }
 

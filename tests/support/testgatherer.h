@@ -7,8 +7,6 @@
 #include <QSemaphore>
 #include <QStringList>
 
-#include <atomic>
-
 /// A gatherer that records what is asked of it and serves only paths that begin with that of a
 /// folder: an item-model tester fetches all that it can, up to the whole disk.
 class TestGatherer : public RemoteFileInfoGatherer
@@ -28,8 +26,6 @@ public:
     QStringList requests; ///< "path|names" of each
     QStringList unwatched;
     bool works = true; ///< serves requests at all; without, a test emits the signals itself
-    std::atomic<bool> isGated{false}; ///< each watch waits at the gate before it is added
-    QSemaphore gate;
     QSemaphore added; ///< counts addPath()
 
 private:

@@ -26,13 +26,8 @@ void FileAppearance::fill(RemoteExtendedInformation &record)
         record = m_gatherer.getInfo(record.mFileInfo);
         return;
     }
-    record.displayType = sharedTypeText(record);
+    record.displayType = typeText(record);
     record.icon = record.mFileInfo.isNativePath() ? localIcon(record) : servedIcon(record);
-}
-
-QString FileAppearance::typeText(const RemoteExtendedInformation &record)
-{
-    return isShared() ? sharedTypeText(record) : m_gatherer.getInfo(record.mFileInfo).displayType;
 }
 
 void FileAppearance::clear()
@@ -41,7 +36,6 @@ void FileAppearance::clear()
     m_icons.clear();
 }
 
-/// Whether the provider is the toolkit's own, whose answers depend on few things.
 bool FileAppearance::isShared()
 {
     const QFileIconProvider *const provider = m_gatherer.iconProvider();
@@ -52,7 +46,7 @@ bool FileAppearance::isShared()
     return provider && typeid(*provider) == typeid(QFileIconProvider);
 }
 
-QString FileAppearance::sharedTypeText(const RemoteExtendedInformation &record)
+QString FileAppearance::typeText(const RemoteExtendedInformation &record)
 {
     if (record.type() != RemoteExtendedInformation::File)
         return m_provider->type(record.mFileInfo);

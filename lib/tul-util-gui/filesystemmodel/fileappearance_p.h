@@ -25,15 +25,16 @@ public:
     /// Fills in `displayType` and `icon`.
     void fill(RemoteExtendedInformation &record);
 
-    /// The type text alone, for many files at once.
+    /// Whether the provider is the toolkit's own, whose answers depend on few things.
+    bool isShared();
+
+    /// The type text alone, for many files at once; only if it is shared.
     QString typeText(const RemoteExtendedInformation &record);
 
     /// Forgets what is shared.
     void clear();
 
 private:
-    bool isShared();
-    QString sharedTypeText(const RemoteExtendedInformation &record);
     QIcon localIcon(const RemoteExtendedInformation &record);
     QIcon servedIcon(const RemoteExtendedInformation &record) const;
 

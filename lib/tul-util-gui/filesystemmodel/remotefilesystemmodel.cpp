@@ -473,8 +473,10 @@ Qt::DropActions RemoteFileSystemModel::supportedDropActions() const
 
 bool RemoteFileSystemModel::event(QEvent *event)
 {
-    if (event->type() == QEvent::LanguageChange)
+    if (event->type() == QEvent::LanguageChange) {
+        d->forgetAppearances();
         Q_EMIT headerDataChanged(Qt::Horizontal, 0, ColumnCount - 1);
+    }
     return QAbstractItemModel::event(event);
 }
 

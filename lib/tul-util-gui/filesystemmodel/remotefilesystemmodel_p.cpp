@@ -168,7 +168,7 @@ const RemoteExtendedInformation &RemoteFileSystemModelPrivate::record(FileNode *
 
 QString RemoteFileSystemModelPrivate::typeText(FileNode *node)
 {
-    if (node->record || !node->hasInfo)
+    if (node->record || !node->hasInfo || !appearance.isShared())
         return record(node).displayType;
     return appearance.typeText(RemoteExtendedInformation(node->info));
 }
