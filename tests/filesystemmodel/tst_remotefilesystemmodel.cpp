@@ -701,7 +701,7 @@ void tst_RemoteFileSystemModel::unrulyEnginesDoNoHarm_data()
     QTest::addColumn<QString>("files");
     QTest::newRow("ghosts") << "a b"_s;
     QTest::newRow("broken") << "a b"_s;
-    QTest::newRow("odd names") << "%s %n back\\slash new\nline ä"_s;
+    QTest::newRow("odd names") << "%n %s back\\slash new\nline ä"_s;
     QTest::newRow("endless") << QString();
 }
 
