@@ -26,9 +26,10 @@ const int batchInterval = 1000; // milliseconds
 /// rest, and a model needs those of the few rows that it shows.
 void askAhead(const QFileInfo &info, bool isLocal)
 {
-    const bool exists = info.isSymLink() | info.exists() | info.isDir() | info.isFile();
-    if (!exists)
-        return;
+    info.exists();
+    info.isSymLink();
+    info.isDir();
+    info.isFile();
     info.isHidden();
     info.size();
     if (isLocal)

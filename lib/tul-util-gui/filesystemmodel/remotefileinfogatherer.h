@@ -24,9 +24,10 @@ class RemoteFileInfoGathererPrivate;
 ///
 /// Requests are served in order, on a thread of low priority that starts with the object. Results
 /// come in batches: at most 101 entries first, so that a view soon has something to show, then what
-/// has gathered whenever more than a second has passed, and the rest in the end. All that a
-/// reported QFileInfo knows was asked for on the gatherer's thread; whoever receives it causes no
-/// further access to the disk or to a remote machine.
+/// has gathered whenever more than a second has passed, and the rest in the end. What a reported
+/// QFileInfo tells was asked for on the gatherer's thread, so that whoever receives it causes no
+/// access to a remote machine; to the local disk only for the permissions, which cost more than all
+/// the rest.
 ///
 /// A directory that is listed is watched as well, where the system can: it is listed again when it
 /// changes. The toolkit cannot watch files that a handler serves.
