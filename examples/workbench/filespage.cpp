@@ -145,8 +145,8 @@ void FilesPage::setTree(bool tree)
 
 void FilesPage::goTo(const QString &path)
 {
-    const QModelIndex root = m_model->setRootPath(path);
-    if (!path.isEmpty() && m_model->filePath(root) != m_model->filePath(m_model->index(path)))
+    m_model->setRootPath(path);
+    if (m_model->rootPath() != (path.isEmpty() ? path : QDir::cleanPath(path)))
         Q_EMIT failed(tr("The directory \"%1\" does not exist.").arg(path));
 }
 

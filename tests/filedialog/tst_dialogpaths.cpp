@@ -1,102 +1,148 @@
 #include <support/testcase.h>
 #include <tul-util-gui/filedialog/dialogpaths_p.h>
+#include <tul-util-gui/filedialog/namefilters_p.h>
+#include <tul-util-gui/filedialog/remotesettings_p.h>
 
 #include <QTest>
 
+namespace
+{
+
+QString q(const char *text)
+{
+    return QString::fromLatin1(text);
+}
+
+QStringList parts(const char *text)
+{
+    return q(text).split(QLatin1Char('|'), Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+/// The rules for paths, prefixes and name filters that all file dialogs share.
 class TestDialogPaths : public TestCase
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void pathsAreTakenApartAndCleaned_data();
-    void pathsAreTakenApartAndCleaned();
-    void entriesAreJoinedWithOneSlash();
-    void quotedNamesAreSplitAndJoined_data();
+    void pathsEndAtTheirFirstElement();
     void quotedNamesAreSplitAndJoined();
+    void prefixIsAddedAndTaken();
+    void pathsWithAColonAreLocalOnlyOnADrive();
+    void typedTextIsOfTheRemoteSide();
+    void filtersGivePatternsNameAndSuffix();
 };
 
-void TestDialogPaths::pathsAreTakenApartAndCleaned_data()
+void TestDialogPaths::pathsEndAtTheirFirstElement()
 {
-    QTest::addColumn<QString>("elements"); // blanks between them
-    QTest::addColumn<QString>("parent");
-    QTest::addColumn<QString>("clean");
-
-    const auto row
-        = [](const char *path, const char *elements, const char *parent, const char *clean) {
-              QTest::newRow(path) << QString::fromLatin1(elements) << QString::fromLatin1(parent)
-                                  << QString::fromLatin1(clean);
-          };
-    row("/usr/lib", "/ usr lib", "/usr", "/usr/lib");
-    row("/usr", "/ usr", "/", "/usr");
-    row("/", "/", "", "/");
-    row("//usr//lib/", "/ usr lib", "/usr", "/usr/lib");
-    row("/..", "/ ..", "/", "/");
-    row("/a/../../b/.", "/ a .. .. b .", "/a/../../b", "/b");
-    row("remote:/home/u", "remote: home u", "remote:/home", "remote:/home/u");
-    row("remote:/home", "remote: home", "remote:", "remote:/home");
-    row("remote:/", "remote:", "", "remote:");
-    row("remote:", "remote:", "", "remote:");
-    row("remote:/..", "remote: ..", "remote:", "remote:");
-    row("remote:/../x/./y/", "remote: .. x . y", "remote:/../x/.", "remote:/x/y");
-    row("remote:/a/../..", "remote: a .. ..", "remote:/a/..", "remote:");
-    row("remote:src/..", "remote:src ..", "remote:src", "remote:src");
-    row("C:/a", "C: a", "C:/", "C:/a");
-    row("a/b/..", "a b ..", "a/b", "a");
-    row("a/..", "a ..", "a", ".");
-    row("../x", ".. x", "..", "../x");
-    row("", "", "", "");
-}
-
-void TestDialogPaths::pathsAreTakenApartAndCleaned()
-{
-    QFETCH(QString, elements);
-    QFETCH(QString, parent);
-    QFETCH(QString, clean);
-
-    const QString path = QString::fromLatin1(QTest::currentDataTag());
-    const QStringList expected = elements.split(QLatin1Char(' '), Qt::SkipEmptyParts);
-    QCOMPARE(tul::splitPath(path), expected);
-    QCOMPARE(tul::lastElement(path), expected.isEmpty() ? QString() : expected.last());
-    QCOMPARE(tul::splitPath(tul::toDialogPath(tul::joinElements(expected))), expected);
-    QCOMPARE(tul::parentPath(path), parent);
-    QCOMPARE(tul::cleanDialogPath(path), clean);
-}
-
-void TestDialogPaths::entriesAreJoinedWithOneSlash()
-{
-    const QString name = QStringLiteral("x");
-    QCOMPARE(tul::joinSlash(QStringLiteral("/"), name), QStringLiteral("/x"));
-    QCOMPARE(tul::joinSlash(QStringLiteral("remote:"), name), QStringLiteral("remote:/x"));
-    QCOMPARE(tul::joinSlash(QStringLiteral("/a"), name), QStringLiteral("/a/x"));
-    QCOMPARE(tul::joinSlash(QString(), name), name);
-}
-
-void TestDialogPaths::quotedNamesAreSplitAndJoined_data()
-{
-    QTest::addColumn<QString>("names"); // "|" between them
-    QTest::addColumn<bool>("again"); // whether joining them gives the text
-
-    const auto row = [](const char *text, const char *names, bool again = false) {
-        QTest::newRow(text) << QString::fromLatin1(names) << again;
-    };
-    row("", "", true);
-    row("a b", "a b", true);
-    row("\"a\" \"b c\"", "a|b c", true);
-    row("\"a\" \"b c", "a|b c");
-    row("x \"a\" y", "a");
-    row("\"\" \"a\"\"b\"", "a|b");
-    row("\"", "");
+    const char *const rows[][4]
+        = {// path, elements, parent, clean path
+           {"/usr/lib", "/|usr|lib", "/usr", "/usr/lib"},
+           {"//usr//lib/", "/|usr|lib", "/usr", "/usr/lib"},
+           {"/usr", "/|usr", "/", "/usr"},
+           {"/", "/", "", "/"},
+           {"/a/../../b/.", "/|a|..|..|b|.", "/a/../../b", "/b"},
+           {"remote:/home/u", "remote:|home|u", "remote:/home", "remote:/home/u"},
+           {"remote:/", "remote:", "", "remote:"},
+           {"remote:/..", "remote:|..", "remote:", "remote:"},
+           {"remote:/../x/./y/", "remote:|..|x|.|y", "remote:/../x/.", "remote:/x/y"},
+           {"remote:src/..", "remote:src|..", "remote:src", "remote:src"},
+           {"C:/a", "C:|a", "C:/", "C:/a"},
+           {"a/..", "a|..", "a", "."},
+           {"", "", "", ""}};
+    for (const auto &[path, elements, parent, clean] : rows) {
+        QCOMPARE(tul::splitPath(q(path)), parts(elements));
+        QCOMPARE(tul::lastElement(q(path)),
+                 parts(elements).isEmpty() ? QString() : parts(elements).last());
+        QCOMPARE(tul::parentPath(q(path)), q(parent));
+        QCOMPARE(tul::cleanDialogPath(q(path)), q(clean));
+    }
+    QCOMPARE(tul::toDialogPath(q("//usr")), q("/usr"));
+    QCOMPARE(tul::joinSlash(q("/"), q("x")) + tul::joinSlash(q("remote:"), q("x")),
+             q("/xremote:/x"));
+    QCOMPARE(tul::joinSlash(QString(), q("x")), q("x"));
 }
 
 void TestDialogPaths::quotedNamesAreSplitAndJoined()
 {
-    QFETCH(QString, names);
-    QFETCH(bool, again);
+    for (const char *const text : {"", "a b", "\"a\" \"b c\""})
+        QCOMPARE(tul::joinFileNames(tul::splitFileNames(q(text))), q(text));
+    for (const char *const text : {"\"a\" \"b c", "x \"a\" y \"b c\"", "\"\"\"a\"\"b c\""})
+        QCOMPARE(tul::splitFileNames(q(text)), parts("a|b c"));
+    QVERIFY(tul::splitFileNames(q("\"")).isEmpty());
+}
 
-    const QString text = QString::fromLatin1(QTest::currentDataTag());
-    const QStringList expected = names.split(QLatin1Char('|'), Qt::SkipEmptyParts);
-    QCOMPARE(tul::splitFileNames(text), expected);
-    QCOMPARE(tul::joinFileNames(expected) == text, again);
+void TestDialogPaths::prefixIsAddedAndTaken()
+{
+    const QString prefix = tul::lockedCopy(&tul::RemoteSettings::prefix);
+    QCOMPARE(prefix, q("remote:"));
+    const char *const rows[][3] = {{"/a", "remote:/a", "/a"},
+                                   {"src", "remote:src", "src"},
+                                   {"remote:/a", "remote:/a", "/a"},
+                                   {"remote:", "remote:", ""},
+                                   {"REMOTE:/100%s", "remote:REMOTE:/100%s", "REMOTE:/100%s"},
+                                   {"", "", ""}};
+    for (const auto &[path, added, taken] : rows) {
+        QCOMPARE(tul::addPrefix(q(path), prefix), q(added));
+        QCOMPARE(tul::stripPrefix(q(path), prefix), q(taken));
+        if (*path && q(path) == q(taken))
+            announceWarning(q("Path is not remote: ") + q(path));
+        QCOMPARE(tul::unmungedPath(q(path), prefix), q(taken));
+    }
+    QVERIFY(tul::hasPrefix(QString(), q(""))); // every path has an empty one
+}
+
+void TestDialogPaths::pathsWithAColonAreLocalOnlyOnADrive()
+{
+    const QList<QStringList> systems{{q("A:/"), q("C:/")}, {q("/")}, {}};
+    const char *const rows[][2]
+        = {{"C:/x", "ynn"}, {"c:/x", "nnn"},      {"C:x", "nnn"}, {"/a:b", "nyn"},
+           {"a:b", "nnn"},  {"remote:/x", "nnn"}, {"/a", "yyy"},  {"", "yyy"}};
+    for (const auto &[path, local] : rows) {
+        for (int i = 0; i < systems.size(); ++i)
+            QCOMPARE(tul::isLocalPath(q(path), systems.at(i)), local[i] == 'y');
+    }
+}
+
+void TestDialogPaths::typedTextIsOfTheRemoteSide()
+{
+    bool expanded = false;
+    QCOMPARE(tul::expandedRemoteTilde(q("~/src"), q("remote:/h/"), nullptr), q("remote:/h//src"));
+    QCOMPARE(tul::expandedRemoteTilde(q("~"), QString(), &expanded), QString());
+    QVERIFY(expanded);
+    QCOMPARE(tul::expandedRemoteTilde(q("~x"), q("remote:/h"), &expanded), q("~x"));
+    QVERIFY(!expanded);
+    QCOMPARE(tul::prefixedTypedFiles(parts("/etc|remote:/a|\\x|b"), q("remote:")),
+             parts("remote:/etc|remote:/a|remote:\\x|b"));
+}
+
+void TestDialogPaths::filtersGivePatternsNameAndSuffix()
+{
+    QCOMPARE(tul::splitNameFilters(q(" A (*.a) ;; B (*.b)")), parts("A (*.a)|B (*.b)"));
+    QCOMPARE(tul::splitNameFilters(q("A (*.a)\nB (*.b)")), parts("A (*.a)|B (*.b)"));
+    QCOMPARE(tul::splitNameFilters(q("A;;;;B\nC")), QStringList({q("A"), QString(), q("B C")}));
+    QVERIFY(tul::splitNameFilters(QString()).isEmpty());
+
+    const char *const rows[][4] = {// filter, patterns, name, suffix
+                                   {"Sources (*.c *.h)", "*.c|*.h", "Sources", "c"},
+                                   {"Images (x) (*.png;*.jpg)", "*.png;*.jpg", "Images (x)", "png"},
+                                   {"Packed (*.tar.gz)", "*.tar.gz", "Packed", "tar.gz"},
+                                   {"Text(*.txt)", "*.txt", "Text", nullptr},
+                                   {"All Files (*)", "*", "All Files", nullptr},
+                                   {"All Files (*.*)", "*.*", "All Files", nullptr},
+                                   {"Code (*.[ch])", "*.[ch]", "Code", nullptr},
+                                   {"Dot (*.)", "*.", "Dot", nullptr},
+                                   {"*.a *.b", "*.a|*.b", "*.a *.b", nullptr},
+                                   {"None ()", "", "None", nullptr},
+                                   {"Open (*.a", "Open|(*.a", "Open (*.a", nullptr},
+                                   {"A (*.a);;B (*.b)", "*.b", "A (*.a);;B", nullptr}};
+    for (const auto &[filter, patterns, name, suffix] : rows) {
+        QCOMPARE(tul::patternsOfFilter(q(filter)), parts(patterns));
+        QCOMPARE(tul::filterWithoutDetails(q(filter)), q(name));
+        QCOMPARE(tul::defaultSuffix(q(filter)), q(suffix));
+        QCOMPARE(tul::defaultSuffix(q(filter)).isNull(), !suffix); // null: not even a dot
+    }
 }
 
 QTEST_GUILESS_MAIN(TestDialogPaths)
