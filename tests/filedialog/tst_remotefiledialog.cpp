@@ -7,11 +7,10 @@
 
 #include <QComboBox>
 #include <QDateTime>
-#include <QFileSystemModel>
 #include <QIdentityProxyModel>
 #include <QLineEdit>
 #include <QSettings>
-#include <QSignalSpy>
+#include <QStringListModel>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeView>
@@ -22,29 +21,27 @@
 namespace
 {
 
-using Location = RemoteFileDialog::FileSystemLocation;
-
 QString q(const char *text)
 {
     return QString::fromLatin1(text);
 }
 
-QStringList words(const QString &text)
+QStringList words(const char *text)
 {
-    return text.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    return q(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
-/// A dialog that lets a test see what is protected.
 class Dialog : public RemoteFileDialog
 {
 public:
-    explicit Dialog(Location location, const QString &directory = {})
+    explicit Dialog(FileSystemLocation location = RemoteLocation, const QString &directory = {})
         : RemoteFileDialog(nullptr, QString(), directory, QString(), location)
     {
     }
 
     using RemoteFileDialogBase::fileSystemModel;
 
+    QLineEdit *edit() const { return findChild<QLineEdit *>(q("fileNameEdit")); }
     QString shown() const { return directory().path(); }
     QStringList places() const
     {
@@ -75,43 +72,32 @@ class TestRemoteFileDialog : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void init();
     void cleanup();
 
-    void pathsAreConvertedInRemoteDialogsOnly_data();
     void pathsAreConvertedInRemoteDialogsOnly();
-    void dialogBeginsOnItsSide_data();
     void dialogBeginsOnItsSide();
     void switchingSidesDropsWhatIsOfTheOther();
-    void placesFromElsewhereGetThePrefix();
     void textInTheLookInBoxLeadsToTheRemoteSide_data();
     void textInTheLookInBoxLeadsToTheRemoteSide();
     void typedNamesAreOfTheRemoteSide();
     void remoteDialogShowsRemoteRowsOnly();
-    void directoriesComeFirstByNameAndSize_data();
     void directoriesComeFirstByNameAndSize();
     void foreignProxyModelsAreLeftAlone();
-    void hookComesLastAndMayChangeSettings();
-    void instanceEndsWithAnyDialog();
+    void hookComesLastAndTheInstanceEndsWithAnyDialog();
     void staticFunctionsReturnPathsWithoutPrefix_data();
     void staticFunctionsReturnPathsWithoutPrefix();
-    void cancellingLeavesTheSelectedFilter();
-    void parentMayGoWhileTheDialogIsUp();
+    void cancelledOrOrphanedDialogsReturnNothing();
 
 private:
     QTemporaryDir m_settings;
     std::unique_ptr<FaultyFolder> m_far;
 };
 
-void TestRemoteFileDialog::initTestCase()
-{
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_settings.path());
-}
-
 void TestRemoteFileDialog::init()
 {
     TestCase::init();
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_settings.path());
     m_far = std::make_unique<FaultyFolder>();
     for (const char *const path : {"home/user/a.c", "home/user/b.c", "usr/lib/", "name/"})
         QVERIFY(m_far->make(q(path)));
@@ -129,66 +115,36 @@ void TestRemoteFileDialog::cleanup()
     TestCase::cleanup();
 }
 
-void TestRemoteFileDialog::pathsAreConvertedInRemoteDialogsOnly_data()
-{
-    QTest::addColumn<Location>("location");
-    QTest::addColumn<QString>("munged"); // of "/a"
-    QTest::addColumn<QString>("unmunged"); // of "remote:/a"
-
-    QTest::newRow("local") << RemoteFileDialog::LocalLocation << q("/a") << q("remote:/a");
-    QTest::newRow("remote") << RemoteFileDialog::RemoteLocation << q("remote:/a") << q("/a");
-    QTest::newRow("any") << RemoteFileDialog::AnyLocation << q("/a") << q("remote:/a");
-}
-
 void TestRemoteFileDialog::pathsAreConvertedInRemoteDialogsOnly()
 {
-    QFETCH(Location, location);
-    QFETCH(QString, munged);
-    QFETCH(QString, unmunged);
-
-    Dialog dialog(location);
-    QCOMPARE(dialog.mungePath(q("/a")), munged);
-    QCOMPARE(dialog.unmungePath(q("remote:/a")), unmunged);
-    QCOMPARE(dialog.mungePath(QString()), QString());
-    QCOMPARE(dialog.unmungePath(QString()), QString());
-    if (location == RemoteFileDialog::RemoteLocation)
-        announceWarning(q("Path is not remote: /100%s"));
-    QCOMPARE(dialog.unmungePaths({q("/100%s"), q("remote:/a")}),
-             QStringList({q("/100%s"), unmunged}));
-    QVERIFY(dialog.isRemotePath(q("remote:")) && !dialog.isRemotePath(q("REMOTE:/a")));
-    dialog.setFileMode(QFileDialog::ExistingFile);
-    QVERIFY(dialog.selectedFile().isEmpty());
-    RemoteFileDialog::setRemotePrefix(QString());
-    QVERIFY(dialog.isRemotePath(QString()));
-}
-
-void TestRemoteFileDialog::dialogBeginsOnItsSide_data()
-{
-    QTest::addColumn<QString>("workingDirectory");
-    QTest::addColumn<QString>("argument");
-    QTest::addColumn<QString>("shown");
-
-    QTest::newRow("at the root") << QString() << QString() << q("remote:");
-    QTest::newRow("in the working directory")
-        << q("remote:/home/user") << QString() << q("remote:/home/user");
-    QTest::newRow("not in a local one") << q("/tmp") << QString() << q("remote:");
-    QTest::newRow("where the caller says") << q("remote:/home") << q("/usr") << q("remote:/usr");
-    QTest::newRow("not in a missing one") << q("remote:/home") << q("/no") << q("remote:/home");
+    for (const auto location : {RemoteFileDialog::LocalLocation, RemoteFileDialog::RemoteLocation,
+                                RemoteFileDialog::AnyLocation}) {
+        const bool remote = location == RemoteFileDialog::RemoteLocation;
+        Dialog dialog(location);
+        QCOMPARE(dialog.mungePath(q("/a")), remote ? q("remote:/a") : q("/a"));
+        if (remote)
+            announceWarning(q("Path is not remote: /100%s"));
+        QCOMPARE(dialog.unmungePaths({q("/100%s"), q("remote:/a"), QString()}),
+                 QStringList({q("/100%s"), remote ? q("/a") : q("remote:/a"), QString()}));
+        QVERIFY(dialog.isRemotePath(q("remote:")) && !dialog.isRemotePath(q("REMOTE:/a")));
+        dialog.setFileMode(QFileDialog::ExistingFile);
+        QVERIFY(dialog.selectedFile().isEmpty());
+    }
 }
 
 void TestRemoteFileDialog::dialogBeginsOnItsSide()
 {
-    QFETCH(QString, workingDirectory);
-    QFETCH(QString, argument);
-    QFETCH(QString, shown);
-
-    RemoteFileDialog::setDefaultWorkingDirectory(workingDirectory);
-    QCOMPARE(Dialog(RemoteFileDialog::RemoteLocation, argument).shown(), shown);
-    // What was visited last is of the other side.
-    const QString local = workingDirectory == q("/tmp") ? workingDirectory : QDir::homePath();
+    const QString local = QDir::tempPath();
     QCOMPARE(Dialog(RemoteFileDialog::LocalLocation).shown(), local);
-    QCOMPARE(RemoteFileDialog(nullptr, Qt::WindowFlags()).location(),
-             RemoteFileDialog::RemoteLocation);
+    RemoteFileDialog::setDefaultWorkingDirectory(local); // of the other side
+    QCOMPARE(Dialog().shown(), q("remote:"));
+    QCOMPARE(Dialog(RemoteFileDialog::LocalLocation).shown(), local); // that of its side
+    RemoteFileDialog::setDefaultWorkingDirectory(q("remote:/home"));
+    QCOMPARE(Dialog(RemoteFileDialog::RemoteLocation, q("/usr")).shown(), q("remote:/usr"));
+    QCOMPARE(Dialog(RemoteFileDialog::LocalLocation).shown(), QDir::homePath());
+    QCOMPARE(Dialog(RemoteFileDialog::RemoteLocation, q("/no")).shown(), q("remote:/home"));
+    const RemoteFileDialog byFlags(nullptr, Qt::WindowFlags());
+    QCOMPARE(byFlags.location(), RemoteFileDialog::RemoteLocation);
 }
 
 void TestRemoteFileDialog::switchingSidesDropsWhatIsOfTheOther()
@@ -197,164 +153,123 @@ void TestRemoteFileDialog::switchingSidesDropsWhatIsOfTheOther()
     RemoteFileDialog::setDefaultWorkingDirectory(q("remote:/usr"));
     Dialog dialog(RemoteFileDialog::LocalLocation);
     const QString drives; // is local
-    dialog.setPlaces({drives, q("/tmp"), q("remote:/home")});
-    dialog.setHistory({q("/tmp"), q("remote:/home"), QDir::homePath()});
+    dialog.setPlaces({drives, q("/tmp"), q("remote:/home"), q("other:/name")});
+    dialog.setHistory(words("/tmp remote:/home /usr"));
     dialog.setLocation(RemoteFileDialog::RemoteLocation);
     QCOMPARE(dialog.shown(), q("remote:/usr"));
-    QCOMPARE(dialog.places(), words(q("remote:/home remote:/usr remote:/home/user")));
-    QCOMPARE(dialog.history(), words(q("remote:/home remote:/usr")));
-
+    const QStringList places = words("remote:/home remote:/name remote:/usr remote:/home/user");
+    QCOMPARE(dialog.places(), places);
+    QCOMPARE(dialog.history(), words("remote:/home remote:/usr"));
     dialog.setLocation(RemoteFileDialog::RemoteLocation);
-    QCOMPARE(dialog.places().size(), 3); // none twice
-    dialog.setDirectory(q("remote:/home"));
-    dialog.setPlaces({q("/tmp"), q("remote:/home")});
-    dialog.setLocation(RemoteFileDialog::AnyLocation);
-    QCOMPARE(dialog.shown(), q("remote:/home"));
-    QCOMPARE(dialog.places().size(), 2);
+    QCOMPARE(dialog.places(), places); // none twice
+    RemoteFileDialog::setDefaultWorkingDirectory(q("remote:/home/user"));
+    dialog.setPlaces({});
+    dialog.setLocation(RemoteFileDialog::RemoteLocation);
+    QCOMPARE(dialog.places(), words("remote:/home/user")); // working directory and home in one
 
-    RemoteFileDialog::setDefaultWorkingDirectory(QDir::tempPath());
-    dialog.setLocation(RemoteFileDialog::LocalLocation);
-    QCOMPARE(dialog.shown(), QDir::tempPath());
-    QCOMPARE(dialog.places(), QStringList{q("/tmp")});
-    QCOMPARE(dialog.history().filter(q("remote:")), QStringList());
-    RemoteFileDialog::setDefaultWorkingDirectory(q("remote:/usr"));
-    dialog.setDirectory(q("remote:/home"));
+    dialog.setPlaces(words("/tmp remote:/home"));
+    dialog.setLocation(RemoteFileDialog::AnyLocation);
+    QCOMPARE(dialog.shown(), q("remote:/usr"));
+    QCOMPARE(dialog.places().size(), 2);
     dialog.setLocation(RemoteFileDialog::LocalLocation);
     QCOMPARE(dialog.shown(), QDir::homePath());
-}
-
-void TestRemoteFileDialog::placesFromElsewhereGetThePrefix()
-{
-    RemoteFileDialog::setRemoteHomeDirectory(q("remote:/home"));
-    RemoteFileDialog::setDefaultWorkingDirectory(q("remote:/home")); // the same place
-    Dialog dialog(RemoteFileDialog::RemoteLocation);
-    dialog.setPlaces(words(q("other:/usr zz:/name remote:/home/user")));
-    dialog.setLocation(RemoteFileDialog::RemoteLocation);
-    QCOMPARE(dialog.places(), words(q("remote:/usr remote:/name remote:/home/user remote:/home")));
+    QCOMPARE(dialog.places(), words("/tmp"));
+    QCOMPARE(dialog.history().filter(q("remote:")), QStringList());
 }
 
 void TestRemoteFileDialog::textInTheLookInBoxLeadsToTheRemoteSide_data()
 {
-    QTest::addColumn<Location>("location");
     QTest::addColumn<QString>("workingDirectory");
     QTest::addColumn<QString>("shown");
 
-    const Location remote = RemoteFileDialog::RemoteLocation;
-    QTest::newRow("/usr") << remote << q("remote:/home") << q("remote:/usr");
-    QTest::newRow("user") << remote << q("remote:/home") << q("remote:/home/user");
-    QTest::newRow("remote:user") << remote << q("remote:/home") << q("remote:/home/user");
-    QTest::newRow("no such") << remote << q("remote:/home") << q("remote:/home");
-    QTest::newRow("../..") << remote << q("remote:/home") << q("remote:");
-    // By design: without a working directory this names one of this machine.
-    QTest::newRow("tmp") << remote << QString() << q("/tmp");
-    QTest::newRow("/usr ") << RemoteFileDialog::AnyLocation << q("remote:/home") << QString();
+    QTest::newRow("/usr") << q("remote:/home") << q("remote:/usr");
+    QTest::newRow("user") << q("remote:/home") << q("remote:/home/user");
+    QTest::newRow("remote:user") << q("remote:/home") << q("remote:/home/user");
+    QTest::newRow("no such") << q("remote:/home") << q("remote:/home");
+    QTest::newRow("../..") << q("remote:/home") << q("remote:");
+    QTest::newRow("tmp") << QString() << q("/tmp"); // by design, for want of a directory
 }
 
 void TestRemoteFileDialog::textInTheLookInBoxLeadsToTheRemoteSide()
 {
-    QFETCH(Location, location);
     QFETCH(QString, workingDirectory);
     QFETCH(QString, shown);
 
     RemoteFileDialog::setDefaultWorkingDirectory(workingDirectory);
-    Dialog dialog(location);
-    const QString before = dialog.shown();
-    QCoreApplication::processEvents();
-    dialog.findChild<QComboBox *>(q("lookInCombo"))->setEditText(q(QTest::currentDataTag()));
-    QCoreApplication::processEvents();
-    // Typing itself goes nowhere: the check comes later, and only once.
-    QTRY_COMPARE(dialog.shown(), shown.isNull() ? before : shown);
+    for (const auto location : {RemoteFileDialog::AnyLocation, RemoteFileDialog::RemoteLocation}) {
+        Dialog dialog(location);
+        QCoreApplication::processEvents();
+        const QString before = dialog.shown();
+        dialog.findChild<QComboBox *>(q("lookInCombo"))->setEditText(q(QTest::currentDataTag()));
+        QCOMPARE(dialog.shown(), before); // the check is queued
+        QCoreApplication::processEvents();
+        QCOMPARE(dialog.shown(), location == RemoteFileDialog::AnyLocation ? before : shown);
+    }
 }
 
 void TestRemoteFileDialog::typedNamesAreOfTheRemoteSide()
 {
     RemoteFileDialog::setRemoteHomeDirectory(q("remote:/home/user"));
     Dialog dialog(RemoteFileDialog::RemoteLocation, q("/home"));
-    auto *const edit = dialog.findChild<QLineEdit *>(q("fileNameEdit"));
-    edit->setText(q("/etc/passwd"));
-    QCOMPARE(dialog.typedFiles(), QStringList{q("remote:/etc/passwd")});
-    edit->setText(q("a"));
-    QCOMPARE(dialog.typedFiles(), QStringList{q("remote:/home/a")});
-    bool expanded = false;
-    QCOMPARE(dialog.tildeExpansion(q("~/src"), &expanded), q("remote:/home/user/src"));
-    QVERIFY(expanded);
+    dialog.edit()->setText(q("/etc/passwd"));
+    QCOMPARE(dialog.typedFiles(), words("remote:/etc/passwd"));
+    dialog.edit()->setText(q("a"));
+    QCOMPARE(dialog.typedFiles(), words("remote:/home/a"));
+    QCOMPARE(dialog.tildeExpansion(q("~/src")), q("remote:/home/user/src"));
     qputenv("TUL_TEST_VARIABLE", "value");
     const QString variable = q("$TUL_TEST_VARIABLE");
     QCOMPARE(dialog.getEnvironmentVariable(variable), variable);
 
     dialog.setLocation(RemoteFileDialog::LocalLocation);
-    QCOMPARE(dialog.tildeExpansion(q("~"), nullptr), QDir::homePath());
+    QCOMPARE(dialog.tildeExpansion(q("~")), QDir::homePath());
     QCOMPARE(dialog.getEnvironmentVariable(variable), q("value"));
-    edit->setText(q("/etc/passwd"));
-    QCOMPARE(dialog.typedFiles(), QStringList{q("/etc/passwd")});
+    dialog.edit()->setText(q("/etc/passwd"));
+    QCOMPARE(dialog.typedFiles(), words("/etc/passwd"));
 }
 
 void TestRemoteFileDialog::remoteDialogShowsRemoteRowsOnly()
 {
     Dialog dialog(RemoteFileDialog::RemoteLocation, q("/home/user"));
     dialog.fileSystemModel()->index(QDir::tempPath());
-    const QAbstractItemModel *const proxy = dialog.proxyModel();
-    const auto topRows = [&] {
-        QStringList rows;
-        for (int row = 0; row < proxy->rowCount(); ++row)
-            rows.append(proxy->index(row, 0).data(RemoteFileSystemModel::FileNameRole).toString());
-        rows.sort();
-        return rows;
-    };
-    QCOMPARE(topRows(), QStringList{q("remote:")});
-    auto *const view = dialog.findChild<QTreeView *>(q("treeView"));
-    QTRY_COMPARE(proxy->rowCount(view->rootIndex()), 2);
+    QCOMPARE(dialog.proxyModel()->rowCount(), 1);
+    const auto *const view = dialog.findChild<QTreeView *>(q("treeView"));
+    QTRY_COMPARE(dialog.proxyModel()->rowCount(view->rootIndex()), 2);
     dialog.setLocation(RemoteFileDialog::AnyLocation);
-    QCOMPARE(topRows(), QStringList({q("/"), q("remote:")}));
+    QCOMPARE(dialog.proxyModel()->rowCount(), 2);
     dialog.setLocation(RemoteFileDialog::LocalLocation);
-    QCOMPARE(topRows(), QStringList({q("/"), q("remote:")}));
-}
-
-void TestRemoteFileDialog::directoriesComeFirstByNameAndSize_data()
-{
-    QTest::addColumn<QString>("ascending");
-    QTest::addColumn<QString>("descending");
-
-    QTest::newRow("0") << q("d a b") << q("b a d");
-    QTest::newRow("1") << q("d b a") << q("a b d");
-    QTest::newRow("3") << q("a d b") << q("b d a");
+    QCOMPARE(dialog.proxyModel()->rowCount(), 2);
 }
 
 void TestRemoteFileDialog::directoriesComeFirstByNameAndSize()
 {
-    QFETCH(QString, ascending);
-    QFETCH(QString, descending);
-
     QVERIFY(m_far->make(q("sort/a"), "long") && m_far->make(q("sort/b"), "b"));
     QVERIFY(m_far->make(q("sort/d/")));
-    for (const char *const name : {"a", "b"}) {
-        QFile file(m_far->local(q("sort/") + q(name)));
+    for (const char name : {'a', 'b'}) {
+        QFile file(m_far->local(q("sort/") + QLatin1Char(name)));
         QVERIFY(file.open(QIODevice::ReadWrite));
-        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addDays(*name == 'a' ? -9 : 9),
+        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addDays(name == 'a' ? -9 : 9),
                                  QFileDevice::FileModificationTime));
     }
-
     RemoteFileSystemModel files;
     RemoteProxyModel proxy;
     proxy.setSourceModel(&files);
     const QPersistentModelIndex directory = files.setRootPath(q("remote:/sort"));
     QTRY_COMPARE(files.rowCount(directory), 3);
-    const auto sorted = [&](Qt::SortOrder order) {
-        proxy.sort(q(QTest::currentDataTag()).toInt(), order);
-        QStringList names;
-        for (int row = 0; row < 3; ++row)
-            names.append(proxy.index(row, 0, proxy.mapFromSource(directory)).data().toString());
-        return names;
-    };
-    QCOMPARE(sorted(Qt::AscendingOrder), words(ascending));
-    QCOMPARE(sorted(Qt::DescendingOrder), words(descending));
+    const QVector<QPair<int, const char *>> rows{{0, "d a b"}, {1, "d b a"}, {3, "a d b"}};
+    for (const auto &[column, names] : rows) {
+        for (const bool ascending : {true, false}) {
+            proxy.sort(column, ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+            for (int i = 0; i < 3; ++i)
+                QCOMPARE(proxy.index(i, 0, proxy.mapFromSource(directory)).data().toString(),
+                         words(names).at(ascending ? i : 2 - i));
+        }
+    }
 }
 
 void TestRemoteFileDialog::foreignProxyModelsAreLeftAlone()
 {
-    Dialog dialog(RemoteFileDialog::RemoteLocation);
+    Dialog dialog;
     auto *const own = new RemoteProxyModel;
-    own->setLocation(RemoteFileDialog::AnyLocation);
     dialog.setProxyModel(own);
     dialog.setLocation(RemoteFileDialog::LocalLocation);
     QCOMPARE(own->location(), RemoteFileDialog::LocalLocation); // not that of the first one
@@ -363,37 +278,27 @@ void TestRemoteFileDialog::foreignProxyModelsAreLeftAlone()
     dialog.setProxyModel(nullptr);
     dialog.setLocation(RemoteFileDialog::LocalLocation);
 
-    QFileSystemModel local;
-    local.setRootPath(QDir::tempPath());
-    RemoteProxyModel plain;
-    plain.setSourceModel(&local);
-    plain.sort(1);
-    QCOMPARE(plain.rowCount(), local.rowCount());
+    QStringListModel names(words("b a"));
+    own->setSourceModel(&names);
+    own->sort(0);
+    QCOMPARE(own->index(0, 0).data().toString(), q("a"));
 }
 
-void TestRemoteFileDialog::hookComesLastAndMayChangeSettings()
+void TestRemoteFileDialog::hookComesLastAndTheInstanceEndsWithAnyDialog()
 {
     RemoteFileDialog::setHook([](RemoteFileDialog *dialog) {
         s_hooked = dialog;
-        RemoteFileDialog::setRemoteHomeDirectory(dialog->proxyModel() ? q("remote:/home")
-                                                                      : QString());
+        if (dialog->proxyModel() && RemoteFileDialog::instance() == dialog)
+            RemoteFileDialog::setRemoteHomeDirectory(q("remote:/home"));
     });
-    Dialog dialog(RemoteFileDialog::RemoteLocation);
-    QCOMPARE(s_hooked, &dialog);
-    QCOMPARE(RemoteFileDialog::instance(), &dialog);
-    QVERIFY(dialog.places().contains(q("remote:/home")));
-}
-
-void TestRemoteFileDialog::instanceEndsWithAnyDialog()
-{
-    auto *const older = new Dialog(RemoteFileDialog::RemoteLocation);
-    const Dialog newer(RemoteFileDialog::LocalLocation);
+    auto *const older = new Dialog;
+    QCOMPARE(s_hooked, older);
+    QVERIFY(older->places().contains(q("remote:/home")));
+    const Dialog newer;
     QCOMPARE(RemoteFileDialog::instance(), &newer);
     QString munged;
-    connect(older, &RemoteFileDialog::aboutToBeDestroyed, this, [&] {
-        munged = older->mungePath(q("/a"));
-        QVERIFY(!RemoteFileDialog::instance());
-    });
+    connect(older, &RemoteFileDialog::aboutToBeDestroyed, this,
+            [&] { munged = older->mungePath(q("/a")); });
     delete older;
     QCOMPARE(munged, q("remote:/a"));
     QVERIFY(!RemoteFileDialog::instance());
@@ -403,39 +308,38 @@ void TestRemoteFileDialog::staticFunctionsReturnPathsWithoutPrefix_data()
 {
     QTest::addColumn<Ask>("ask");
     QTest::addColumn<QString>("typed");
-    QTest::addColumn<QString>("mode"); // file mode, accept mode
-    QTest::addColumn<QString>("chosen");
+    QTest::addColumn<QString>("modes"); // file mode, accept mode
+    QTest::addColumn<QStringList>("chosen");
 
     const QString dir = q("/home/user");
-    const QString filter = q("Sources (*.c);;All (*)");
-    QTest::newRow("open") << Ask([=](QString *chosen) {
-        return QStringList{
-            RemoteFileDialog::getOpenFileName(nullptr, QString(), dir, filter, chosen)};
-    }) << q("a.c") << q("1 0")
-                          << q("/home/user/a.c");
-    QTest::newRow("open many") << Ask([=](QString *chosen) {
-        return RemoteFileDialog::getOpenFileNames(nullptr, QString(), dir, filter, chosen);
-    }) << q("\"a.c\" \"b.c\"") << q("3 0")
-                               << q("/home/user/a.c /home/user/b.c");
-    QTest::newRow("save") << Ask([=](QString *chosen) {
-        return QStringList{
-            RemoteFileDialog::getSaveFileName(nullptr, QString(), dir, filter, chosen)};
-    }) << q("new.c") << q("0 1")
-                          << q("/home/user/new.c");
-    for (const bool only : {true, false}) {
-        QTest::newRow(only ? "only directories" : "directory") << Ask([=](QString *) {
-            return QStringList{RemoteFileDialog::getExistingDirectory(
-                nullptr, QString(), dir, QFileDialog::Options(QFileDialog::ShowDirsOnly * only))};
-        }) << q("/usr/lib") << (only ? q("4 0") : q("2 0")) << q("/usr/lib");
-    }
+    const QString all = q("Sources (*.c);;All (*)");
+    const Ask open = [=](QString *filter) {
+        return QStringList{RemoteFileDialog::getOpenFileName(nullptr, {}, dir, all, filter)};
+    };
+    const Ask openMany = [=](QString *filter) {
+        return RemoteFileDialog::getOpenFileNames(nullptr, {}, dir, all, filter);
+    };
+    const Ask save = [=](QString *filter) {
+        return QStringList{RemoteFileDialog::getSaveFileName(nullptr, {}, dir, all, filter)};
+    };
+    const Ask onlyDirectories = [=](QString * /*filter*/) {
+        return QStringList{RemoteFileDialog::getExistingDirectory(nullptr, {}, dir)};
+    };
+    const Ask directory = [=](QString * /*filter*/) {
+        return QStringList{RemoteFileDialog::getExistingDirectory(nullptr, {}, dir, {})};
+    };
+    QTest::newRow("open") << open << q("a.c") << q("1 0") << words("/home/user/a.c");
+    QTest::newRow("open many") << openMany << q("\"a.c\" \"b.c\"") << q("3 0")
+                               << words("/home/user/a.c /home/user/b.c");
+    QTest::newRow("save") << save << q("new.c") << q("0 1") << words("/home/user/new.c");
+    QTest::newRow("only dirs") << onlyDirectories << q("/usr/lib") << q("4 0") << words("/usr/lib");
+    QTest::newRow("directory") << directory << q("/usr/lib") << q("2 0") << words("/usr/lib");
 }
 
 void TestRemoteFileDialog::staticFunctionsReturnPathsWithoutPrefix()
 {
     QFETCH(Ask, ask);
     QFETCH(QString, typed);
-    QFETCH(QString, mode);
-    QFETCH(QString, chosen);
 
     QString modes;
     const ModalSteps steps({ModalSteps::with<RemoteFileDialog>([&](RemoteFileDialog *dialog) {
@@ -446,28 +350,20 @@ void TestRemoteFileDialog::staticFunctionsReturnPathsWithoutPrefix()
         QTest::keyClick(edit, Qt::Key_Return);
     })});
     QString filter = q("All (*)");
-    QCOMPARE(ask(&filter), words(chosen));
-    QCOMPARE(modes, mode);
+    QTEST(ask(&filter), "chosen");
+    QTEST(modes, "modes");
     QCOMPARE(filter, q("All (*)"));
 }
 
-void TestRemoteFileDialog::cancellingLeavesTheSelectedFilter()
-{
-    QString filter = q("none of them");
-    const auto cancel = ModalSteps::with<RemoteFileDialog>([](auto *dialog) { dialog->reject(); });
-    const ModalSteps steps({cancel, cancel});
-    QVERIFY(RemoteFileDialog::getOpenFileName(nullptr, QString(), QString(), q("A (*.a)"), &filter)
-                .isEmpty());
-    QCOMPARE(filter, q("none of them"));
-    QVERIFY(RemoteFileDialog::getOpenFileNames().isEmpty());
-}
-
-void TestRemoteFileDialog::parentMayGoWhileTheDialogIsUp()
+void TestRemoteFileDialog::cancelledOrOrphanedDialogsReturnNothing()
 {
     auto *const parent = new QWidget;
-    const ModalSteps steps({[parent](QWidget *) { delete parent; }});
-    QVERIFY(RemoteFileDialog::getOpenFileName(parent).isEmpty());
-    QVERIFY(!RemoteFileDialog::instance());
+    const ModalSteps steps({ModalSteps::with<QDialog>([](QDialog *dialog) { dialog->reject(); }),
+                            [parent](QWidget *) { delete parent; }});
+    QString filter = q("none of them");
+    QCOMPARE(RemoteFileDialog::getOpenFileName(nullptr, {}, {}, q("A (*.a)"), &filter), QString());
+    QCOMPARE(filter, q("none of them"));
+    QCOMPARE(RemoteFileDialog::getOpenFileNames(parent), QStringList());
 }
 
 QTEST_MAIN(TestRemoteFileDialog)
