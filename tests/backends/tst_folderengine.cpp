@@ -27,52 +27,34 @@ class TestFolderEngine : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void pathsKeepTheirPrefix();
-    void informationIsThatOfTheFolderInOneCall();
+    void namesKeepThePrefixAndInformationTakesOneCall();
     void filesAreReadWrittenAndChanged();
-    void nothingLeadsOutOfTheFolder();
-    void faultsAreReportedAndNothingHangs();
+    void faultsAreReportedAndNothingLeadsOut();
 };
 
-void TestFolderEngine::pathsKeepTheirPrefix()
-{
-    const FaultyFolder far;
-    QVERIFY(far.make(q("a/b/x.c")));
-    QVERIFY(QDir::isAbsolutePath(q("remote:/a")));
-    QCOMPARE(QDir(q("remote:/a")).absolutePath(), q("remote:/a"));
-    QCOMPARE(QDir(q("remote:")).filePath(q("a")), q("remote:/a"));
-    QCOMPARE(QFileInfo(q("remote:/a/b/x.c")).absolutePath(), q("remote:/a/b"));
-    QCOMPARE(QFileInfo(q("remote:/a/b/x.c")).canonicalFilePath(), q("remote:/a/b/x.c"));
-    QDirIterator iterator(q("remote:"), QDir::Files, QDirIterator::Subdirectories);
-    QVERIFY(iterator.hasNext());
-    QCOMPARE(iterator.next(), q("remote:/a/b/x.c"));
-    QVERIFY(!iterator.hasNext());
-    QVERIFY(!QFileInfo::exists(q("REMOTE:/a")));
-    QVERIFY(QFileInfo(q("remote:")).isRoot());
-    QVERIFY(!QFileInfo(q("remote:/a")).isRoot());
-}
-
-void TestFolderEngine::informationIsThatOfTheFolderInOneCall()
+void TestFolderEngine::namesKeepThePrefixAndInformationTakesOneCall()
 {
     FaultyFolder far;
-    QVERIFY(far.make(q(".hidden"), "12345"));
-    QVERIFY(QFile::link(far.local(q(".hidden")), far.local(q("link"))));
-    QVERIFY(QFile::link(q("/nowhere"), far.local(q("broken"))));
-    QVERIFY(QFile::setPermissions(far.local(q(".hidden")), QFile::ReadOwner | QFile::ReadUser));
-    const QFileInfo here(far.local(q(".hidden")));
+    QVERIFY(far.make(q("a/.x"), "12345"));
+    QVERIFY(QFile::link(far.local(q("a/.x")), far.local(q("a/link"))));
+    QVERIFY(QFile::link(q("/nowhere"), far.local(q("a/broken"))));
+    QVERIFY(QDir::isAbsolutePath(q("remote:/a")));
+    QCOMPARE(QDir(q("remote:/a")).absolutePath(), q("remote:/a"));
+    QCOMPARE(QFileInfo(q("remote:/a/.x")).canonicalFilePath(), q("remote:/a/.x"));
+    QDirIterator iterator(q("remote:"), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    QVERIFY(iterator.next().startsWith(q("remote:/a/")));
+    QVERIFY(QFileInfo(q("remote:")).isRoot() && !QFileInfo::exists(q("REMOTE:/a")));
+
+    const QFileInfo here(far.local(q("a/.x")));
     far.forgetCalls();
-    const QFileInfo there(q("remote:/.hidden"));
+    const QFileInfo there(q("remote:/a/.x"));
     QVERIFY(there.exists() && there.isFile() && there.isHidden() && !there.isSymLink());
-    QCOMPARE(there.size(), 5);
-    QCOMPARE(there.permissions(), here.permissions());
+    QVERIFY(there.size() == 5 && there.permissions() == here.permissions());
     QCOMPARE(there.lastModified(), here.lastModified());
-    QCOMPARE(there.owner(), here.owner());
     QCOMPARE(far.calls(true), 1);
-    QVERIFY(QFileInfo(q("remote:/link")).isSymLink());
-    QCOMPARE(QFileInfo(q("remote:/link")).symLinkTarget(), q("remote:/.hidden"));
-    QVERIFY(QFileInfo(q("remote:/broken")).isSymLink());
-    QVERIFY(!QFileInfo::exists(q("remote:/broken")));
-    QCOMPARE(QDir(q("remote:")).entryList(QDir::Files | QDir::Hidden).size(), 2);
+    QCOMPARE(QFileInfo(q("remote:/a/link")).symLinkTarget(), q("remote:/a/.x"));
+    const QFileInfo broken(q("remote:/a/broken"));
+    QVERIFY(broken.isSymLink() && !broken.exists());
 }
 
 void TestFolderEngine::filesAreReadWrittenAndChanged()
@@ -106,36 +88,26 @@ void TestFolderEngine::filesAreReadWrittenAndChanged()
     QCOMPARE(root.entryList(QDir::Dirs | QDir::NoDotAndDotDot), QStringList());
 }
 
-void TestFolderEngine::nothingLeadsOutOfTheFolder()
-{
-    const FaultyFolder far;
-    QVERIFY(far.make(q("x")));
-    QVERIFY(QFileInfo::exists(q("remote:/../../x")));
-    QVERIFY(QFileInfo::exists(q("remote:x")));
-    QVERIFY(!QDir(q("remote:/")).mkpath(far.local(q("junk")))); // no path of this engine
-    QVERIFY(!QFile::copy(far.local(q("x")), q("remote:/y")));
-    QVERIFY(!QDir(q("remote:")).rmdir(q("..")));
-}
-
-void TestFolderEngine::faultsAreReportedAndNothingHangs()
+void TestFolderEngine::faultsAreReportedAndNothingLeadsOut()
 {
     FaultyFolder far;
     QVERIFY(far.make(q("x"), "x"));
+    QVERIFY(QFileInfo::exists(q("remote:/../../x")));
+    QVERIFY(!QDir(q("remote:/")).mkpath(far.local(q("junk")))); // no path of this engine
+    QVERIFY(!QFile::copy(far.local(q("x")), q("remote:/y")) && !QDir(q("remote:")).rmdir(q("..")));
     far.setGhosts({q("gone")});
-    QCOMPARE(QDir(q("remote:")).entryList(QDir::AllEntries | QDir::System, QDir::Name),
-             QStringList({q("."), q(".."), q("gone"), q("x")}));
-    QVERIFY(!QFileInfo::exists(q("remote:/gone")));
     far.endless = true;
     QDirIterator iterator(q("remote:"), QDir::AllEntries | QDir::System);
     for (int i = 0; i < 1000; ++i)
         QVERIFY(!iterator.next().isEmpty());
+    QVERIFY(!QFileInfo::exists(q("remote:/gone")));
     far.forgetCalls();
     far.broken = true;
     QVERIFY(!QFileInfo::exists(q("remote:/x")));
     QCOMPARE(contentOf(q("remote:/x")), QByteArray("unreadable"));
     QVERIFY(!QFile::remove(q("remote:/x")) && !QDir(q("remote:")).mkdir(q("new")));
-    QVERIFY(QFileInfo::exists(far.local(q("x"))));
     QCOMPARE(far.calls(FolderEngine::Call::Change), 2);
+    QVERIFY(QFileInfo::exists(far.local(q("x"))));
 }
 
 QTEST_GUILESS_MAIN(TestFolderEngine)

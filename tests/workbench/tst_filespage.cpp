@@ -7,7 +7,6 @@
 #include <tul-util-gui/filesystemmodel/remotesidebar.h>
 #include <workbench/filerequests.h>
 #include <workbench/filespage.h>
-#include <workbench/remotefolder.h>
 
 #include <QAction>
 #include <QLabel>
@@ -73,11 +72,8 @@ private Q_SLOTS:
     void initTestCase();
 
     void placesAndActionsLeadToBothSides();
-    void missingDirectoryIsToldOnce();
     void foldersAreMadeAndFilesRemovedAfterAQuestion();
-    void refreshShowsWhatHappenedOnTheRemoteSide();
     void requestsShowDialogsAndTheirAnswers();
-    void sampleFilesStandForTheRemoteMachine();
 
 private:
     QTemporaryDir m_settings;
@@ -105,15 +101,12 @@ void TestFilesPage::placesAndActionsLeadToBothSides()
     Q_EMIT shown.view->activated(shown.view->currentIndex());
     QCOMPARE(shown.shown(), q("remote:/dir"));
     QCOMPARE(shown.faults.count(), 0);
-}
-
-void TestFilesPage::missingDirectoryIsToldOnce()
-{
-    ShownPage shown;
-    shown.page.goTo(q("remote:/<b>none"));
-    QCOMPARE(shown.faults.count(), 1);
-    QVERIFY(shown.faults.first().first().toString().contains(q("remote:/<b>none")));
-    QCOMPARE(shown.shown(), q("remote:/dir"));
+    for (const char *const here : {"remote:/dir", ""}) {
+        shown.page.goTo(q(here));
+        shown.page.goTo(q("remote:/<b>none"));
+        QVERIFY(shown.faults.takeFirst().first().toString().contains(q("remote:/<b>none")));
+        QVERIFY(shown.faults.isEmpty());
+    }
 }
 
 void TestFilesPage::foldersAreMadeAndFilesRemovedAfterAQuestion()
@@ -134,21 +127,16 @@ void TestFilesPage::foldersAreMadeAndFilesRemovedAfterAQuestion()
     QVERIFY(!QFile::exists(shown.far.local(q("dir/a"))));
     QTRY_COMPARE(shown.rows(), 3);
 
+    QVERIFY(shown.far.make(q("dir/c")) && QFile::remove(shown.far.local(q("dir/b"))));
+    QVERIFY(shown.far.make(q("dir/d")));
+    shown.trigger("Refresh"); // nothing watches the remote side
+    QTRY_COMPARE(shown.rows(), 4);
+
     shown.far.broken = true;
-    shown.select("remote:/dir/b");
+    shown.select("remote:/dir/c");
     shown.page.removeSelected();
     shown.page.makeFolder();
     QCOMPARE(shown.faults.count(), 2);
-}
-
-void TestFilesPage::refreshShowsWhatHappenedOnTheRemoteSide()
-{
-    ShownPage shown;
-    QTRY_COMPARE(shown.rows(), 2);
-    QVERIFY(shown.far.make(q("dir/c")) && QFile::remove(shown.far.local(q("dir/a"))));
-    shown.trigger("Refresh");
-    QTRY_VERIFY(shown.rows() == 2 && shown.model->index(q("remote:/dir/c")).isValid()
-                && !shown.model->index(q("remote:/dir/a")).isValid());
 }
 
 void TestFilesPage::requestsShowDialogsAndTheirAnswers()
@@ -179,15 +167,6 @@ void TestFilesPage::requestsShowDialogsAndTheirAnswers()
     }
     QCOMPARE(remote, 9 + 1);
     FileDialog::setAllFilesLocal(true);
-}
-
-void TestFilesPage::sampleFilesStandForTheRemoteMachine()
-{
-    const RemoteFolder remote((QString()));
-    QCOMPARE(remote.fault(), QString());
-    QCOMPARE(QFileInfo(q("remote:/home/user/latest.dat")).size(), 2'400'000);
-    QVERIFY(QFileInfo(q("remote:/opt/tools/bin/solver")).isExecutable());
-    QVERIFY(RemoteFolder(q("/no/such/folder")).fault().contains(q("/no/such/folder")));
 }
 
 QTEST_MAIN(TestFilesPage)
