@@ -358,9 +358,12 @@ void TestRemoteFileDialogBase::widensPanesThatHaveNoWidth()
     collapsed.setSizes({0, 0});
     DialogState state = *DialogState::fromBytes(dialog.saveState());
     state.splitter = collapsed.saveState();
+    // Only where there is no room at all does the toolkit leave both panes without width.
+    auto *const splitter = child<QSplitter>(&dialog, "splitter");
+    splitter->resize(0, 0);
     QVERIFY(dialog.restoreState(state.toBytes()));
     dialog.show();
-    const QList<int> sizes = child<QSplitter>(&dialog, "splitter")->sizes();
+    const QList<int> sizes = splitter->sizes();
     QVERIFY2(sizes.at(0) > 0 && sizes.at(0) < sizes.at(1),
              qPrintable(QString::number(sizes.at(0))));
 }
@@ -482,7 +485,7 @@ void TestRemoteFileDialogBase::mayGoWithItsParentWhileABoxIsOpen()
         nameEdit(*dialog)->setText(s("missing"));
     else
         view->selectionModel()->select(view->model()->index(1, 0, view->rootIndex()),
-                                       QItemSelectionModel::Select);
+                                       QItemSelectionModel::Select | QItemSelectionModel::Rows);
     QVERIFY(QMetaObject::invokeMethod(dialog, slot.constData()));
     QVERIFY(!dialog);
     QVERIFY(QFileInfo::exists(path("root/a.txt")));
@@ -558,7 +561,7 @@ void TestRemoteFileDialogBase::staysOnTheRemoteSide()
     dialog.show();
     QCOMPARE(dialog.directory().path(), s("remote:/tmp/deep"));
     QTRY_COMPARE(rows(dialog), QStringList{s("f.txt")});
-    dialog.selectFile(s("f.txt"));
+    nameEdit(dialog)->setText(s("f.txt"));
     QCOMPARE(dialog.selectedFiles(), QStringList{s("remote:/tmp/deep/f.txt")});
 
     auto *const lookIn = child<QComboBox>(&dialog, "lookInCombo");
