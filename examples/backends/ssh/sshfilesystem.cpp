@@ -1,0 +1,145 @@
+#include <backends/ssh/sshfilesystem.h>
+
+#include <backends/ssh/remotename.h>
+
+#include <QMutexLocker>
+#include <QVector>
+
+#include <utility>
+
+SshFileSystem::SshFileSystem(const QString &prefix)
+    : m_prefix(prefix)
+{
+    m_age.start();
+}
+
+void SshFileSystem::setClient(std::shared_ptr<SftpClient> client)
+{
+    forgetAll();
+    const QMutexLocker locker(&m_mutex);
+    m_client = std::move(client);
+}
+
+std::shared_ptr<SftpClient> SshFileSystem::client() const
+{
+    const QMutexLocker locker(&m_mutex);
+    return m_client;
+}
+
+QByteArray SshFileSystem::remotePath(const QString &fileName) const
+{
+    QByteArray path = tul::remoteNameToBytes(fileName.mid(m_prefix.size()));
+    while (path.size() > 1 && path.endsWith('/'))
+        path.chop(1);
+    return path.isEmpty() ? QByteArrayLiteral("/") : path;
+}
+
+QString SshFileSystem::fileName(const QByteArray &remotePath) const
+{
+    return m_prefix + tul::remoteNameFromBytes(remotePath);
+}
+
+SftpEntry SshFileSystem::entry(const QByteArray &remotePath)
+{
+    SftpEntry result;
+    const std::shared_ptr<SftpClient> client = this->client();
+    if (!client) {
+        result.status = SftpStatus::NoConnection;
+        return result;
+    }
+    QVector<std::pair<QByteArray, SftpEntryRequest>> requests;
+    quint32 changes = 0;
+    {
+        const QMutexLocker locker(&m_mutex);
+        if (knownLocked(remotePath, &result))
+            return result;
+        changes = m_changes;
+    }
+    QByteArray path = remotePath;
+    for (;;) {
+        requests.append({path, SftpEntryRequest(client.get(), path)});
+        const QByteArray above = tul::remoteDirectoryOf(path);
+        SftpEntry ignored;
+        if (above == path || above == "." || known(above, &ignored))
+            break;
+        path = above;
+    }
+    QVector<std::pair<QByteArray, SftpEntry>> entries;
+    for (const auto &[asked, request] : std::as_const(requests))
+        entries.append({asked, request.entry(client.get())});
+
+    const QMutexLocker locker(&m_mutex);
+    // What was lost on the way is not known to be missing.
+    if (entries.first().second.status != SftpStatus::ConnectionLost) {
+        for (const auto &[asked, entry] : std::as_const(entries))
+            rememberLocked(asked, entry, changes);
+    }
+    return entries.first().second;
+}
+
+bool SshFileSystem::known(const QByteArray &remotePath, SftpEntry *entry) const
+{
+    const QMutexLocker locker(&m_mutex);
+    return knownLocked(remotePath, entry);
+}
+
+bool SshFileSystem::knownLocked(const QByteArray &remotePath, SftpEntry *entry) const
+{
+    ageLocked();
+    for (const auto *const generation : {&m_young, &m_old}) {
+        const auto found = generation->constFind(remotePath);
+        if (found != generation->constEnd()) {
+            *entry = *found;
+            return true;
+        }
+    }
+    return false;
+}
+
+void SshFileSystem::remember(const QByteArray &remotePath, const SftpEntry &entry, quint32 changes)
+{
+    const QMutexLocker locker(&m_mutex);
+    rememberLocked(remotePath, entry, changes);
+}
+
+void SshFileSystem::rememberLocked(const QByteArray &remotePath, const SftpEntry &entry,
+                                   quint32 changes)
+{
+    ageLocked();
+    if (changes == m_changes)
+        m_young.insert(remotePath, entry);
+}
+
+quint32 SshFileSystem::changeCount() const
+{
+    const QMutexLocker locker(&m_mutex);
+    return m_changes;
+}
+
+void SshFileSystem::ageLocked() const
+{
+    if (!m_age.hasExpired(freshness))
+        return;
+    m_old = m_age.hasExpired(2 * freshness) ? QHash<QByteArray, SftpEntry>()
+                                            : std::exchange(m_young, {});
+    m_young.clear();
+    m_age.start();
+}
+
+void SshFileSystem::forget(const QByteArray &remotePath)
+{
+    const QMutexLocker locker(&m_mutex);
+    ++m_changes;
+    for (auto *const generation : {&m_young, &m_old}) {
+        generation->remove(remotePath);
+        generation->remove(tul::remoteDirectoryOf(remotePath));
+    }
+}
+
+void SshFileSystem::forgetAll()
+{
+    const QMutexLocker locker(&m_mutex);
+    ++m_changes;
+    m_young.clear();
+    m_old.clear();
+}
