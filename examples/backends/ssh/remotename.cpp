@@ -53,7 +53,7 @@ bool isAscii(const QByteArray &bytes)
 QString tul::remoteNameFromBytes(const QByteArray &bytes)
 {
     if (isAscii(bytes))
-        return QString::fromLatin1(bytes);
+        return QString::fromLatin1(bytes.constData(), bytes.size()); // up to the end, not to a zero
     QString name;
     name.reserve(bytes.size());
     for (int position = 0; position < bytes.size();) {

@@ -148,19 +148,20 @@ qint64 SftpFile::read(char *data, qint64 most)
 {
     if (!m_writes.empty())
         settleWrites(0);
-    if (most <= 0)
-        return 0;
-    if (m_bufferStart == m_buffer.size() && !fetch()) {
-        if (m_status != SftpStatus::EndOfFile)
-            return -1;
-        m_status = SftpStatus::Ok;
-        return 0;
+    qint64 done = 0;
+    while (done < most) {
+        if (m_bufferStart == m_buffer.size() && !fetch())
+            break;
+        const qint64 count = std::min<qint64>(most - done, m_buffer.size() - m_bufferStart);
+        std::memcpy(data + done, m_buffer.constData() + m_bufferStart,
+                    static_cast<std::size_t>(count));
+        m_bufferStart += static_cast<int>(count);
+        m_position += count;
+        done += count;
     }
-    const qint64 count = std::min<qint64>(most, m_buffer.size() - m_bufferStart);
-    std::memcpy(data, m_buffer.constData() + m_bufferStart, static_cast<std::size_t>(count));
-    m_bufferStart += static_cast<int>(count);
-    m_position += count;
-    return count;
+    if (m_status == SftpStatus::EndOfFile)
+        m_status = SftpStatus::Ok;
+    return done > 0 || m_status == SftpStatus::Ok ? done : -1;
 }
 
 qint64 SftpFile::write(const char *data, qint64 size)

@@ -10,7 +10,8 @@
 #include <QWaitCondition>
 
 #include <algorithm>
-#include <array>
+#include <csignal>
+#include <pthread.h>
 #include <utility>
 
 namespace
@@ -64,6 +65,12 @@ void SshThread::add(const std::shared_ptr<SshCommandChannel> &command)
 
 void SshThread::run()
 {
+    // A write to a proxy command that has ended would otherwise end the whole program.
+    sigset_t broken;
+    sigemptyset(&broken);
+    sigaddset(&broken, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &broken, nullptr);
+
     const QString message = work();
     m_client->giveUp(message);
     QMetaObject::invokeMethod(
