@@ -208,7 +208,7 @@ void TestSshConnection::aLostServerIsToldOnceAndReachedAgain()
     QFETCH(bool, asked);
     SshServer server;
     SshSettings settings = server.settings();
-    settings.timeout = 500;
+    settings.timeout = 2000;
     const std::unique_ptr<SshConnection> connection = server.connect(settings);
     QVERIFY(connection);
     QSignalSpy opened(connection.get(), &SshConnection::opened);

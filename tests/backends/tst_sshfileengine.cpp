@@ -563,7 +563,7 @@ void TestSshFileEngine::faultsEndEveryCall()
     m_remote.reset();
     {
         SshSettings settings = m_server->settings();
-        settings.timeout = 500;
+        settings.timeout = 2000;
         const Remote failing(m_server.get(), settings);
         QVERIFY(failing.connection);
         QSignalSpy lost(failing.connection.get(), &SshConnection::lost);

@@ -59,7 +59,7 @@ bool SftpDirectory::next(SftpEntry *entry)
         if (!fetch())
             return false;
     }
-    *entry = m_entries.at(m_position++);
+    *entry = m_entries[m_position++];
     return true;
 }
 
@@ -102,7 +102,7 @@ bool SftpDirectory::take(const QByteArray &fields)
         entry.target = entry.own;
         // A name that leads out of the directory would be an attack.
         if (!entry.name.isEmpty() && !entry.name.contains('/') && !entry.name.contains('\0'))
-            m_entries.append(entry);
+            m_entries.push_back(entry);
     }
     return reader.ok();
 }
@@ -110,20 +110,18 @@ bool SftpDirectory::take(const QByteArray &fields)
 /// Learns where the links of the names that just came lead to, asks for more names meanwhile.
 void SftpDirectory::followLinks()
 {
-    QVector<std::pair<int, SftpPendingPointer>> targets;
-    for (int index = 0; index < m_entries.size(); ++index) {
-        const SftpEntry &entry = m_entries.at(index);
+    std::vector<std::pair<SftpEntry *, SftpPendingPointer>> targets;
+    for (SftpEntry &entry : m_entries) {
         if (entry.own.isLink())
-            targets.append({index,
-                            m_client->sendPath(SftpRequest::Attributes,
-                                               tul::remoteJoined(m_path, entry.name))});
+            targets.emplace_back(
+                &entry,
+                m_client->sendPath(SftpRequest::Attributes, tul::remoteJoined(m_path, entry.name)));
     }
     m_depth = std::min(2 * m_depth, deepest);
     askAhead();
-    for (const auto &[index, pending] : std::as_const(targets)) {
+    for (const auto &[entry, pending] : targets) {
         const SftpAnswer answer = m_client->wait(pending);
-        SftpEntry &entry = m_entries[index];
-        entry.targetStatus = answer.status;
-        entry.target = answer.ok() ? SftpReader(answer.fields).attributes() : SftpAttributes();
+        entry->targetStatus = answer.status;
+        entry->target = answer.ok() ? SftpReader(answer.fields).attributes() : SftpAttributes();
     }
 }

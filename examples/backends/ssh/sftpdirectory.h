@@ -3,10 +3,10 @@
 #include <backends/ssh/sftpclient.h>
 
 #include <QByteArray>
-#include <QVector>
 
 #include <deque>
 #include <memory>
+#include <vector>
 
 /// What is known of a file, a directory or a link without asking again.
 struct SftpEntry {
@@ -57,6 +57,6 @@ private:
     SftpStatus m_status = SftpStatus::Ok;
     std::deque<SftpPendingPointer> m_asked;
     std::size_t m_depth = 2; // the names of a small directory, and that there are no more
-    QVector<SftpEntry> m_entries;
-    int m_position = 0;
+    std::vector<SftpEntry> m_entries;
+    std::size_t m_position = 0;
 };
