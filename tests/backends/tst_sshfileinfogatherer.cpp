@@ -1,0 +1,157 @@
+#include <backends/ssh/sshfileengine.h>
+#include <backends/ssh/sshfileinfogatherer.h>
+#include <support/sshserver.h>
+#include <support/testcase.h>
+
+#include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
+
+#include <QAbstractItemModelTester>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWidget>
+
+namespace
+{
+
+constexpr int longEnough = 20000;
+
+} // namespace
+
+class TestSshFileInfoGatherer : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void shownDirectoriesFollowTheServer();
+    void aReconnectionListsAnew();
+    void theModelCostsFewRoundTrips();
+
+private:
+    QString local(const char *name) const
+    {
+        return m_server.home() + QLatin1Char('/') + QLatin1String(name);
+    }
+    bool make(const char *name) const { return QDir().mkdir(local(name)); }
+    QStringList names(const RemoteFileSystemModel &model) const;
+
+    SshServer m_server;
+    std::unique_ptr<SshConnection> m_connection;
+    std::shared_ptr<SshFileSystem> m_files
+        = std::make_shared<SshFileSystem>(QStringLiteral("remote:"));
+    SshFileEngineHandler m_engines{m_files};
+    SshFileInfoGathererHandler m_gatherers{m_files};
+};
+
+QStringList TestSshFileInfoGatherer::names(const RemoteFileSystemModel &model) const
+{
+    const QModelIndex root = model.index(model.rootPath());
+    QStringList result;
+    for (int row = 0; row < model.rowCount(root); ++row)
+        result.append(model.fileName(model.index(row, 0, root)));
+    result.sort();
+    return result;
+}
+
+void TestSshFileInfoGatherer::initTestCase()
+{
+    QCOMPARE(m_server.fault(), QString());
+    m_connection = m_server.connect(m_server.settings());
+    QVERIFY(m_connection);
+    m_files->setClient(m_connection->client());
+    RemoteFileSystemModel::setRemoteFileInfoGathererHandler(&m_gatherers);
+}
+
+void TestSshFileInfoGatherer::shownDirectoriesFollowTheServer()
+{
+    QVERIFY(make("a"));
+    QWidget window;
+    RemoteFileSystemModel model(&window);
+    const QAbstractItemModelTester tester(&model);
+    auto *const gatherer = model.findChild<SshFileInfoGatherer *>();
+    QVERIFY(gatherer);
+    model.setRootPath(QStringLiteral("remote:") + m_server.home());
+    QTRY_COMPARE_WITH_TIMEOUT(names(model), QStringList{QStringLiteral("a")}, longEnough);
+
+    // The directory's own time counts in seconds.
+    const auto change = [&](const char *name) {
+        const QDateTime before = QFileInfo(m_server.home()).lastModified();
+        const auto hasAged = [&] {
+            QFile::remove(local("tick"));
+            QFile tick(local("tick"));
+            const bool made = tick.open(QIODevice::WriteOnly) && QFile::remove(local("tick"));
+            return made
+                && QFileInfo(m_server.home()).lastModified().toSecsSinceEpoch()
+                != before.toSecsSinceEpoch();
+        };
+        return QTest::qWaitFor(hasAged, longEnough) && make(name);
+    };
+    const int before = m_connection->client()->statistics().requests;
+    gatherer->poll();
+    QCOMPARE(m_connection->client()->statistics().requests, before); // hidden, so nobody looks
+    window.show();
+    QVERIFY(change("b"));
+    const QStringList both{QStringLiteral("a"), QStringLiteral("b")};
+    const auto follows = [&] {
+        gatherer->poll();
+        return names(model) == both;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(follows(), longEnough);
+
+    // Another directory is shown: the first is not asked about any more.
+    model.setRootPath(QStringLiteral("remote:") + local("b"));
+    QSignalSpy loaded(&model, &RemoteFileSystemModel::directoryLoaded);
+    QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 1, longEnough);
+    gatherer->poll();
+    const int asked = m_connection->client()->statistics().requests;
+    const auto askedOnce = [&] {
+        gatherer->poll();
+        return m_connection->client()->statistics().requests == asked + 1;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(askedOnce(), longEnough);
+}
+
+void TestSshFileInfoGatherer::aReconnectionListsAnew()
+{
+    RemoteFileSystemModel model;
+    const QAbstractItemModelTester tester(&model);
+    auto *const gatherer = model.findChild<SshFileInfoGatherer *>();
+    model.setRootPath(QStringLiteral("remote:") + local("a"));
+    QSignalSpy loaded(&model, &RemoteFileSystemModel::directoryLoaded);
+    QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 1, longEnough);
+    gatherer->poll();
+    QVERIFY(make("a/meanwhile"));
+
+    m_connection = m_server.connect(m_server.settings());
+    QVERIFY(m_connection);
+    gatherer->poll(); // asks the old one, whose answer is that it is gone
+    m_files->setClient(m_connection->client());
+    gatherer->poll();
+    QTRY_COMPARE_WITH_TIMEOUT(names(model), QStringList{QStringLiteral("meanwhile")}, longEnough);
+}
+
+void TestSshFileInfoGatherer::theModelCostsFewRoundTrips()
+{
+    QVERIFY(QDir(m_server.home()).mkpath(QStringLiteral("deep/er/still")));
+    for (int index = 0; index < 1000; ++index)
+        QVERIFY(QDir(local("deep/er/still")).mkdir(QString::number(index)));
+    m_files->forgetAll();
+    RemoteFileSystemModel model;
+    const SftpClient::Statistics before = m_connection->client()->statistics();
+    const int elements = m_server.home().count(QLatin1Char('/')) + 4;
+    model.setRootPath(QStringLiteral("remote:") + local("deep/er/still"));
+    const int requests = m_connection->client()->statistics().requests - before.requests;
+    QVERIFY2(requests <= 2 * elements + 4, qPrintable(QString::number(requests)));
+    QTRY_COMPARE_WITH_TIMEOUT(model.rowCount(model.index(model.rootPath())), 1000, longEnough);
+    const SftpClient::Statistics after = m_connection->client()->statistics();
+    // The elements of the path and eleven answers with names, of which as many are asked ahead.
+    const int all = after.requests - before.requests;
+    QVERIFY2(all <= 2 * elements + 4 + 11 + 20, qPrintable(QString::number(all)));
+}
+
+QTEST_MAIN(TestSshFileInfoGatherer)
+#include "tst_sshfileinfogatherer.moc"
