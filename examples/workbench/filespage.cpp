@@ -150,6 +150,13 @@ void FilesPage::goTo(const QString &path)
         Q_EMIT failed(tr("The directory \"%1\" does not exist.").arg(path));
 }
 
+void FilesPage::setRemoteDirectory(const QString &directory)
+{
+    m_sidebar->addUrls({QUrl::fromLocalFile(directory)});
+    m_model->refresh(m_model->index(remoteRoot()));
+    goTo(directory);
+}
+
 void FilesPage::showRoot(const QString &path)
 {
     const QModelIndex root = m_model->index(m_model->rootPath());

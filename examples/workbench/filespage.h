@@ -21,6 +21,7 @@ public:
     QString title() const override;
     QStringList shots() const override;
     void prepareShot(const QString &shot) override;
+    void setRemoteDirectory(const QString &directory) override;
 
     /// Shows a directory, or the drives for an empty path. What does not exist is told by failed().
     void goTo(const QString &path);

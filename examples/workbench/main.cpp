@@ -1,3 +1,4 @@
+#include <backends/ssh/sshconnection.h>
 #include <workbench/mainwindow.h>
 #include <workbench/page.h>
 #include <workbench/remotefolder.h>
@@ -8,6 +9,7 @@
 #include <QToolTip>
 
 #include <cstdio>
+#include <optional>
 
 namespace
 {
@@ -74,6 +76,12 @@ int main(int argc, char *argv[])
     const QCommandLineOption dark(QStringLiteral("dark"),
                                   QStringLiteral("Show light text on a dark ground."));
     parser.addOption(dark);
+    const QCommandLineOption remoteMachine(
+        QStringLiteral("remote"),
+        QStringLiteral(
+            "Connect to the remote machine <address>, such as ssh://user@host:port/dir."),
+        QStringLiteral("address"));
+    parser.addOption(remoteMachine);
     parser.process(application);
 
     if (parser.isSet(dark))
@@ -85,9 +93,15 @@ int main(int argc, char *argv[])
     if (arguments.isEmpty())
         arguments.append(QStringLiteral(WORKBENCH_SAMPLE_FILE));
 
-    const RemoteFolder remote(parser.value(remoteFolder));
-    if (!remote.fault().isEmpty())
-        return wrongUsage(remote.fault());
+    SshTarget target;
+    std::optional<RemoteFolder> remote;
+    QString fault;
+    if (parser.isSet(remoteMachine))
+        fault = SshTarget::parse(parser.value(remoteMachine), &target);
+    else
+        fault = remote.emplace(parser.value(remoteFolder)).fault();
+    if (!fault.isEmpty())
+        return wrongUsage(fault);
 
     const bool forPictures = parser.isSet(screenshots);
     const bool unattended = forPictures
@@ -97,6 +111,8 @@ int main(int argc, char *argv[])
                                  : MainWindow::Reporting::MessageBoxes);
     window.show();
     window.pages().first()->open(arguments);
+    if (parser.isSet(remoteMachine))
+        window.connectTo(target, SshSettings());
     if (unattended && window.faultCount() > 0)
         return 1;
     if (forPictures)

@@ -2,6 +2,7 @@
 #include <workbench/page.h>
 #include <workbench/pagebar.h>
 #include <workbench/pages.h>
+#include <workbench/remoteactions.h>
 
 #include <tul-util-gui/widgets/detailswidget.h>
 #include <tul-util-gui/widgets/dockwidgettabmovedhelper.h>
@@ -91,6 +92,16 @@ void MainWindow::createMenus()
     QMenu *const file = menuBar()->addMenu(tr("&File"));
     m_openAction = file->addAction(tr("&Open..."), this, &MainWindow::chooseFile);
     m_openAction->setShortcut(QKeySequence::Open);
+    m_remoteActions = new RemoteActions(file, this);
+    connect(m_remoteActions, &RemoteActions::failed, this, &MainWindow::report);
+    connect(m_remoteActions, &RemoteActions::statusChanged, statusBar(),
+            [this](const QString &text) { statusBar()->showMessage(text); });
+    connect(m_remoteActions, &RemoteActions::fetched, this,
+            [this](const QString &fileName) { currentPage()->open({fileName}); });
+    connect(m_remoteActions, &RemoteActions::opened, this, [this](const QString &directory) {
+        for (WorkbenchPage *const page : qAsConst(m_pages))
+            page->setRemoteDirectory(directory);
+    });
     file->addSeparator();
     QAction *const quit = file->addAction(tr("&Quit"), qApp, &QApplication::closeAllWindows);
     quit->setShortcut(QKeySequence::Quit);
@@ -136,7 +147,13 @@ void MainWindow::setCurrentPage(int index)
     m_advice->setText(currentPage()->advice());
     statusBar()->clearMessage();
     m_openAction->setEnabled(!currentPage()->openFilter().isEmpty());
+    m_remoteActions->setFilter(currentPage()->openFilter());
     updateTitle();
+}
+
+void MainWindow::connectTo(const SshTarget &target, const SshSettings &settings)
+{
+    m_remoteActions->connectTo(target, settings);
 }
 
 void MainWindow::chooseFile()

@@ -8,7 +8,10 @@ class QAction;
 class QLabel;
 class QListWidget;
 class QStackedWidget;
+class RemoteActions;
 class WorkbenchPage;
+struct SshSettings;
+struct SshTarget;
 
 /// The window of the workbench: the list of pages, the current one below its options, and docks
 /// with what to try on it and with the faults that were told.
@@ -27,6 +30,9 @@ public:
     const QVector<WorkbenchPage *> &pages() const { return m_pages; }
     WorkbenchPage *currentPage() const;
     void setCurrentPage(int index);
+
+    /// Connects to a remote machine, which the pages then take for theirs.
+    void connectTo(const SshTarget &target, const SshSettings &settings);
 
     /// How many faults were told so far.
     int faultCount() const { return m_faultCount; }
@@ -47,4 +53,5 @@ private:
     QLabel *m_advice;
     QListWidget *m_faults;
     QAction *m_openAction = nullptr;
+    RemoteActions *m_remoteActions = nullptr;
 };

@@ -28,3 +28,5 @@ QStringList WorkbenchPage::shots() const
 }
 
 void WorkbenchPage::prepareShot(const QString & /*shot*/) { }
+
+void WorkbenchPage::setRemoteDirectory(const QString & /*directory*/) { }

@@ -32,6 +32,9 @@ public:
     /// can be collapsed; null when there are none. Called once.
     virtual QWidget *createOptions();
 
+    /// Tells the page that a remote machine was connected to, and the directory to begin in.
+    virtual void setRemoteDirectory(const QString &directory);
+
     /// The pictures that this page gives of itself, as file names without suffix, and what makes
     /// the page ready for one of them.
     virtual QStringList shots() const;
