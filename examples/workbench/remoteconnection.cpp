@@ -51,7 +51,8 @@ RemoteConnection::~RemoteConnection()
 void RemoteConnection::connectTo(const SshTarget &target, const SshSettings &settings)
 {
     delete m_offer;
-    m_connection = std::make_unique<SshConnection>(target, settings, this);
+    SshPrompt *const prompt = this;
+    m_connection = std::make_unique<SshConnection>(target, settings, prompt);
     connect(m_connection.get(), &SshConnection::opened, this, &RemoteConnection::takeOpened);
     connect(m_connection.get(), &SshConnection::failed, this, [this](const QString &message) {
         offerAnew(tr("No Connection"), message, tr("&Try Again"));

@@ -5,7 +5,6 @@
 
 #include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
 
-#include <QAbstractItemModelTester>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -71,7 +70,6 @@ void TestSshFileInfoGatherer::shownDirectoriesFollowTheServer()
     QVERIFY(make("a"));
     QWidget window;
     RemoteFileSystemModel model(&window);
-    const QAbstractItemModelTester tester(&model);
     auto *const gatherer = model.findChild<SshFileInfoGatherer *>();
     QVERIFY(gatherer);
     model.setRootPath(QStringLiteral("remote:") + m_server.home());
@@ -118,7 +116,6 @@ void TestSshFileInfoGatherer::shownDirectoriesFollowTheServer()
 void TestSshFileInfoGatherer::aReconnectionListsAnew()
 {
     RemoteFileSystemModel model;
-    const QAbstractItemModelTester tester(&model);
     auto *const gatherer = model.findChild<SshFileInfoGatherer *>();
     model.setRootPath(QStringLiteral("remote:") + local("a"));
     QSignalSpy loaded(&model, &RemoteFileSystemModel::directoryLoaded);
