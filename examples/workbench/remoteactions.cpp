@@ -1,12 +1,22 @@
 #include <tul-util-gui/filedialog/remotefiledialog.h>
+#include <tul-util-gui/terminal/goodfont.h>
+#include <tul-util-gui/terminal/terminalwindow.h>
 #include <workbench/remoteactions.h>
 #include <workbench/remoteconnection.h>
+#include <workbench/remoteterminal.h>
 
 #include <QAction>
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QMenu>
 #include <QProgressDialog>
+
+namespace
+{
+
+constexpr int terminalFontSize = 10; // points
+
+} // namespace
 
 RemoteActions::RemoteActions(QMenu *menu, QWidget *window)
     : QObject(window)
@@ -16,6 +26,8 @@ RemoteActions::RemoteActions(QMenu *menu, QWidget *window)
     menu->addAction(tr("&Connect to Remote Machine..."), this, &RemoteActions::askAddress);
     m_openAction
         = menu->addAction(tr("Open from &Remote Machine..."), this, &RemoteActions::chooseFile);
+    m_runAction = menu->addAction(tr("Run Command on Remote &Machine..."), this,
+                                  &RemoteActions::askCommand);
     updateActions();
     connect(&m_fetcher, &FileFetcher::fetched, this, [this](const QString &localFileName) {
         delete m_progress;
@@ -45,7 +57,9 @@ void RemoteActions::setFilter(const QString &filter)
 
 void RemoteActions::updateActions()
 {
-    m_openAction->setEnabled(!m_directory.isEmpty() && !m_filter.isEmpty());
+    const bool isConnected = !m_directory.isEmpty();
+    m_openAction->setEnabled(isConnected && !m_filter.isEmpty());
+    m_runAction->setEnabled(isConnected);
 }
 
 void RemoteActions::connectTo(const SshTarget &target, const SshSettings &settings)
@@ -90,6 +104,27 @@ void RemoteActions::askAddress()
             Q_EMIT failed(fault);
     });
     dialog->open();
+}
+
+void RemoteActions::askCommand()
+{
+    auto *const dialog = new QInputDialog(m_window);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(tr("Run"));
+    dialog->setLabelText(tr("Command line for the remote machine:"));
+    connect(dialog, &QInputDialog::textValueSelected, this, &RemoteActions::run);
+    dialog->open();
+}
+
+QWidget *RemoteActions::run(const QString &commandLine)
+{
+    auto *const window = new TerminalWindow(m_window);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->setFont(findGoodFont(terminalFontSize));
+    window->setWindowTitle(commandLine);
+    window->setTerminal(new RemoteTerminal(m_remote->connection(), commandLine, window));
+    window->show();
+    return window;
 }
 
 void RemoteActions::chooseFile()

@@ -14,7 +14,8 @@ class RemoteConnection;
 struct SshSettings;
 struct SshTarget;
 
-/// What the File menu offers for a remote machine: to connect to one, and to open a file from it.
+/// What the File menu offers for a remote machine: to connect to one, to
+/// open a file from it and to run a command there.
 class RemoteActions : public QObject
 {
     Q_OBJECT
@@ -27,6 +28,10 @@ public:
 
     /// The name filter of the files that may be opened; empty when none may.
     void setFilter(const QString &filter);
+
+    /// Runs a command line on the remote machine, in a window of its own. There must be a
+    /// connection.
+    QWidget *run(const QString &commandLine);
 
     /// Fetches a remote file, with a dialog that shows how far it is and can stop it.
     void fetch(const QString &fileName);
@@ -44,12 +49,14 @@ Q_SIGNALS:
 
 private:
     void askAddress();
+    void askCommand();
     void chooseFile();
     void takeOpened(const QString &directory);
     void updateActions();
 
     QWidget *const m_window;
     QAction *m_openAction;
+    QAction *m_runAction;
     QString m_filter;
     QString m_address; // what was typed last
     QString m_directory; // where the present machine begins

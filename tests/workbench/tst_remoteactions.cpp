@@ -4,6 +4,7 @@
 #include <workbench/remoteconnection.h>
 
 #include <tul-util-gui/filedialog/remotefiledialog.h>
+#include <tul-util-gui/terminal/terminalwidget.h>
 
 #include <QAction>
 #include <QApplication>
@@ -63,7 +64,7 @@ private Q_SLOTS:
     void cleanup();
     void anUnknownMachineIsConnectedToOnlyWhenThePersonSaysSo_data();
     void anUnknownMachineIsConnectedToOnlyWhenThePersonSaysSo();
-    void chosenFilesAreFetched();
+    void chosenFilesAreFetchedAndCommandsRun();
     void aLostConnectionIsOfferedAnewAndDialogsGoOn();
 
 private:
@@ -134,7 +135,7 @@ void TestRemoteActions::anUnknownMachineIsConnectedToOnlyWhenThePersonSaysSo()
     QTRY_VERIFY(!shownBox());
 }
 
-void TestRemoteActions::chosenFilesAreFetched()
+void TestRemoteActions::chosenFilesAreFetchedAndCommandsRun()
 {
     SshServer server;
     const QByteArray bytes(3000000, 'x');
@@ -154,6 +155,14 @@ void TestRemoteActions::chosenFilesAreFetched()
     m_actions->fetch(name + QStringLiteral(".not"));
     QVERIFY(failed.wait(longEnough));
     QVERIFY(failed.first().first().toString().contains(QLatin1String("No such file")));
+
+    const QPointer<QWidget> terminal(m_actions->run(QStringLiteral("echo $((6 * 7)); exit 3")));
+    const auto shows = [&](const char *text) {
+        const auto *const widget = terminal->findChild<TerminalWidget *>();
+        return widget && widget->toPlainText().contains(QLatin1String(text));
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(shows("42") && shows("Exit status 3."), longEnough);
+    terminal->close();
 
     m_actions->fetch(name);
     auto *const progress = m_window->findChild<QProgressDialog *>();

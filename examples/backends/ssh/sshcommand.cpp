@@ -118,7 +118,8 @@ int SshCommandChannel::start(ssh_session session)
     }
     if (m_step == Step::Terminal) {
         const QMutexLocker locker(&m_mutex);
-        result = ssh_channel_request_pty_size(m_channel, "xterm", m_columns, m_rows);
+        // Abilities that the display does not have are not promised.
+        result = ssh_channel_request_pty_size(m_channel, "dumb", m_columns, m_rows);
         // A server without terminals runs the command all the same.
         if (result == SSH_AGAIN)
             return result;
