@@ -1,0 +1,206 @@
+// What a person meets in a file dialog on a remote machine that is far away or fails: prints, for
+// each case, how long until the first row and until the message, how long the window stood still at
+// most, how many requests it took, and whether what was typed is still there. With a directory as
+// its argument it also writes pictures of what is shown.
+
+#include <backends/ssh/sftpclient.h>
+#include <support/sshserver.h>
+#include <workbench/remoteconnection.h>
+
+#include <tul-util-gui/filedialog/remotefiledialog.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QListView>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QToolButton>
+
+#include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr int patience = 60000;
+constexpr int timeout = 3000; // of the connection in the cases of a silent server
+
+/// The longest time between two beats of the event loop.
+class Heartbeat : public QObject
+{
+public:
+    Heartbeat()
+    {
+        connect(&m_timer, &QTimer::timeout, this,
+                [this] { m_longest = qMax(m_longest, m_sinceLast.restart()); });
+        m_sinceLast.start();
+        m_timer.start(0);
+    }
+    qint64 longest() const { return m_longest; }
+
+private:
+    QTimer m_timer;
+    QElapsedTimer m_sinceLast;
+    qint64 m_longest = 0;
+};
+
+enum class Fault { None, Killed, Silent };
+
+struct Case {
+    const char *name;
+    const char *directory; // below the home directory
+    int delay;
+    Fault fault;
+    bool whileListing; // else when all is shown
+};
+
+QString pictures; // where to; empty for none
+
+void savePicture(QWidget *widget, const char *name)
+{
+    if (!pictures.isEmpty())
+        widget->grab().save(QDir(pictures).filePath(QLatin1String(name)));
+}
+
+QMessageBox *shownBox()
+{
+    for (QWidget *const widget : QApplication::topLevelWidgets()) {
+        auto *const box = qobject_cast<QMessageBox *>(widget);
+        if (box && box->isVisible())
+            return box;
+    }
+    return nullptr;
+}
+
+void fill(const QString &directory, int count)
+{
+    QDir().mkpath(directory);
+    for (int index = 0; index < count; ++index)
+        ::close(
+            ::creat(QStringLiteral("%1/file%2.txt").arg(directory).arg(index).toLocal8Bit(), 0644));
+}
+
+void inject(SshServer *server, Fault fault)
+{
+    if (fault == Fault::Killed)
+        server->kill();
+    else if (fault == Fault::Silent)
+        server->swallowBytes();
+}
+
+void run(SshServer *server, const Case &what)
+{
+    QMainWindow window;
+    window.show();
+    RemoteConnection remote(&window);
+    SshSettings settings = server->settings(what.delay);
+    settings.timeout = timeout;
+    bool isOpen = false;
+    QObject::connect(&remote, &RemoteConnection::opened, &remote, [&] { isOpen = true; });
+    remote.connectTo(server->target(), settings);
+    if (!QTest::qWaitFor([&] { return isOpen; }, patience))
+        return;
+
+    const SftpClient &client = *remote.connection()->client();
+    const SftpClient::Statistics before = client.statistics();
+    const QString path = server->home() + QLatin1Char('/') + QLatin1String(what.directory);
+    const Heartbeat heart;
+    QElapsedTimer clock;
+    clock.start();
+    RemoteFileDialog dialog(&window, QStringLiteral("Open"), path);
+    dialog.open();
+    auto *const view = dialog.findChild<QListView *>(QStringLiteral("listView"));
+    auto *const edit = dialog.findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    const auto rows = [&] { return view->model()->rowCount(view->rootIndex()); };
+    QTest::qWaitFor([&] { return rows() > 0; }, patience);
+    const qint64 firstRow = clock.elapsed();
+    edit->setText(QStringLiteral("typed"));
+    const int all = QDir(path).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size();
+    if (!what.whileListing)
+        QTest::qWaitFor([&] { return rows() == all; }, patience);
+    const qint64 allRows = clock.elapsed();
+    const int requests = client.statistics().requests - before.requests;
+    if (what.fault == Fault::None && what.delay == 0 && all < 100)
+        savePicture(&dialog, "remotefiledialog-ssh.png");
+
+    clock.start();
+    inject(server, what.fault);
+    QString message = QStringLiteral("-");
+    if (what.fault != Fault::None) {
+        if (!what.whileListing)
+            dialog.findChild<QToolButton *>(QStringLiteral("toParentButton"))->click();
+        QTest::qWaitFor([] { return shownBox() != nullptr; }, patience);
+        if (QMessageBox *const box = shownBox()) {
+            message
+                = QStringLiteral("%1, after %2 ms").arg(box->windowTitle()).arg(clock.elapsed());
+            savePicture(box, "connection-lost.png");
+        }
+        server->restore();
+    }
+    std::printf("%-36s first row %5lld ms, all %6lld ms, %4d requests, longest gap %5lld ms, "
+                "typed text %s, message: %s\n",
+                what.name, firstRow, allRows, requests, heart.longest(),
+                edit->text() == QLatin1String("typed") ? "kept" : "LOST", qPrintable(message));
+}
+
+/// The question about a key that was never seen.
+void pictureOfKeyQuestion(SshServer *server)
+{
+    const QString known = server->clientDirectory() + QStringLiteral("/known_hosts");
+    QFile::rename(known, known + QStringLiteral(".away"));
+    QMainWindow window;
+    RemoteConnection remote(&window);
+    QTimer presser;
+    QObject::connect(&presser, &QTimer::timeout, &remote, [&] {
+        if (QMessageBox *const box = shownBox()) {
+            presser.stop();
+            savePicture(box, "unknown-host-key.png");
+            box->reject();
+        }
+    });
+    presser.start(50);
+    remote.connectTo(server->target(), server->settings());
+    QTest::qWaitFor([&] { return !presser.isActive(); }, patience);
+    QFile::rename(known + QStringLiteral(".away"), known);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QApplication application(argc, argv);
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+    pictures = QApplication::arguments().value(1);
+    SshServer server;
+    if (!server.fault().isEmpty()) {
+        std::fprintf(stderr, "%s\n", qPrintable(server.fault()));
+        return 1;
+    }
+    fill(server.home() + QStringLiteral("/few"), 30);
+    fill(server.home() + QStringLiteral("/many"), 20000);
+    if (!pictures.isEmpty())
+        pictureOfKeyQuestion(&server);
+    for (const Case &what : {Case{"30 files", "few", 0, Fault::None, false},
+                             Case{"30 files, 50 ms away", "few", 50, Fault::None, false},
+                             Case{"30 files, 200 ms away", "few", 200, Fault::None, false},
+                             Case{"20,000 files", "many", 0, Fault::None, false},
+                             Case{"20,000 files, 50 ms away", "many", 50, Fault::None, false},
+                             Case{"20,000 files, 200 ms away", "many", 200, Fault::None, false},
+                             Case{"server killed while listing", "many", 50, Fault::Killed, true},
+                             Case{"server killed, then a click", "few", 50, Fault::Killed, false},
+                             Case{"server silent while listing", "many", 50, Fault::Silent, true},
+                             Case{"server silent, then a click", "few", 50, Fault::Silent, false}})
+        run(&server, what);
+    return 0;
+}
