@@ -161,7 +161,8 @@ qint64 SftpFile::read(char *data, qint64 most)
     }
     if (m_status == SftpStatus::EndOfFile)
         m_status = SftpStatus::Ok;
-    return done > 0 || m_status == SftpStatus::Ok ? done : -1;
+    // Part of the bytes and no word of the failure would pass for the end of the file.
+    return m_status == SftpStatus::Ok ? done : -1;
 }
 
 qint64 SftpFile::write(const char *data, qint64 size)

@@ -41,7 +41,7 @@ public:
     qint64 position() const { return m_position; }
     void seek(qint64 position);
 
-    /// `most` bytes, fewer where the file ends or a failure comes; -1 when that comes first.
+    /// `most` bytes, fewer where the file ends; -1 after a failure.
     qint64 read(char *data, qint64 most);
     /// `size`, or -1 after a failure.
     qint64 write(const char *data, qint64 size);

@@ -99,6 +99,8 @@ quint32 openFlags(QIODevice::OpenMode mode)
     quint32 flags = 0;
     if (mode & QIODevice::ReadOnly)
         flags |= SftpFile::Read;
+    if (mode & QIODevice::Truncate)
+        flags |= SftpFile::Truncate; // also of what is only read, as for local files
     if (!(mode & QIODevice::WriteOnly))
         return flags;
     flags |= SftpFile::Write;
@@ -109,7 +111,7 @@ quint32 openFlags(QIODevice::OpenMode mode)
     if (mode & QIODevice::Append)
         return flags | SftpFile::Append;
     const bool onlyWrites = !(mode & (QIODevice::ReadOnly | QIODevice::NewOnly));
-    return (onlyWrites || (mode & QIODevice::Truncate)) ? flags | SftpFile::Truncate : flags;
+    return onlyWrites ? flags | SftpFile::Truncate : flags;
 }
 
 } // namespace
@@ -174,7 +176,7 @@ QString SshFileEngine::fileName(FileName which) const
         return m_fileName.mid(std::max(slash + 1, start));
     case PathName:
     case AbsolutePathName:
-        return m_fileName.left(slash == start ? slash + 1 : std::max(slash, start));
+        return m_fileName.left(std::max(slash, start));
     case LinkName:
         return linkTarget();
     case CanonicalName:
