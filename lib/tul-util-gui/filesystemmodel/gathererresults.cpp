@@ -122,7 +122,8 @@ void GathererResults::applyList(const QString &directory, const QStringList &nam
         if (std::exchange(node->isListed, false))
             continue;
         // What was asked for by its path may exist without being listed.
-        if (!node->bypassesFilters || !QFileInfo::exists(m_model.requestPath(node)))
+        if (!node->bypassesFilters
+            || !QFileInfo::exists(RemoteFileSystemModelPrivate::requestPath(node)))
             missing.push_back(node);
     }
     m_model.removeNodes(parent, missing);

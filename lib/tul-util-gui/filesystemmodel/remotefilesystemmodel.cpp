@@ -150,7 +150,8 @@ bool RemoteFileSystemModel::isDir(const QModelIndex &index) const
     const FileNode *const node = d->node(index);
     if (node == d->tree.root())
         return true;
-    return node->hasInfo ? node->isDirectory() : QFileInfo(d->requestPath(node)).isDir();
+    return node->hasInfo ? node->isDirectory()
+                         : QFileInfo(RemoteFileSystemModelPrivate::requestPath(node)).isDir();
 }
 
 qint64 RemoteFileSystemModel::size(const QModelIndex &index) const
@@ -314,11 +315,11 @@ QVariant RemoteFileSystemModel::data(const QModelIndex &index, int role) const
         case NameColumn:
             return node->fileName;
         case SizeColumn:
-            return d->sizeText(node);
+            return RemoteFileSystemModelPrivate::sizeText(node);
         case TypeColumn:
             return d->record(node).displayType;
         case DateColumn:
-            return d->dateText(node);
+            return RemoteFileSystemModelPrivate::dateText(node);
         default:
             qWarning("data: invalid display value column %d", index.column());
             return {};

@@ -258,7 +258,7 @@ void RemoteFileSystemModelPrivate::hideNodes(FileNode *parent, const Nodes &node
                 if (node->isVisible())
                     rows.push_back(node);
             }
-            tree.setRows(parent, std::move(rows));
+            FileTree::setRows(parent, std::move(rows));
         });
         return;
     }
