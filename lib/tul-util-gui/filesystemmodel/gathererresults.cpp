@@ -14,7 +14,8 @@ namespace
 {
 
 const int sliceLength = 8; // milliseconds; a frame of a moving picture has 16
-const int leastFiles = 8192; // in a slice: a view lays out all its rows again for each
+const int leastFiles = 8192; // in a slice
+const int leastPart = 4; // of the rows, in a slice: a view lays out all its rows again for each
 
 /// The permissions that come with a file's status. Those of the user in person would cost a call
 /// each on this machine's file systems.
@@ -137,6 +138,8 @@ void GathererResults::applyUpdates(Result &result, const QElapsedTimer &sliceTim
         result.next = result.updates.size();
         return;
     }
+    const std::size_t rows = parent->directory ? parent->directory->visible.size() : 0;
+    const int least = std::max(leastFiles, static_cast<int>(rows) / leastPart);
     Changes changes;
     int done = 0;
     while (result.next < result.updates.size()) {
@@ -144,7 +147,7 @@ void GathererResults::applyUpdates(Result &result, const QElapsedTimer &sliceTim
         ++result.next;
         applyFile(parent, file.first, file.second, changes);
         ++done;
-        if (done >= leastFiles && sliceTime.hasExpired(sliceLength))
+        if (done >= least && sliceTime.hasExpired(sliceLength))
             break;
     }
     const bool isPart = result.next < result.updates.size();
