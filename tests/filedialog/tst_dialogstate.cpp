@@ -37,11 +37,9 @@ class TestDialogState : public TestCase
 
 private Q_SLOTS:
     void hasItsFieldsInTheAgreedOrder();
-    void comesBackAsItWas();
     void refusesWhatIsNoState_data();
     void refusesWhatIsNoState();
     void refusesBytesThatAreCutOff();
-    void takesUnknownViewModesForTheList();
     void survivesAnyBytes();
 };
 
@@ -60,14 +58,7 @@ void TestDialogState::hasItsFieldsInTheAgreedOrder()
     QCOMPARE(viewMode, 0);
     read.viewMode = QFileDialog::Detail;
     QCOMPARE(read.toBytes(), someState().toBytes());
-}
-
-void TestDialogState::comesBackAsItWas()
-{
-    const auto state = DialogState::fromBytes(someState().toBytes());
-    QVERIFY(state);
-    QCOMPARE(state->toBytes(), someState().toBytes());
-    QCOMPARE(state->history, someState().history);
+    QCOMPARE(DialogState::fromBytes(read.toBytes())->toBytes(), read.toBytes());
 }
 
 void TestDialogState::refusesWhatIsNoState_data()
@@ -86,6 +77,9 @@ void TestDialogState::refusesWhatIsNoState()
 {
     QFETCH(const QByteArray, bytes);
     QVERIFY(!DialogState::fromBytes(bytes));
+    // Of all the numbers the view mode alone may be any.
+    const auto state = DialogState::fromBytes(patched(someState().toBytes().size() - 4, 77));
+    QCOMPARE(state->viewMode, QFileDialog::List);
 }
 
 void TestDialogState::refusesBytesThatAreCutOff()
@@ -93,12 +87,6 @@ void TestDialogState::refusesBytesThatAreCutOff()
     const QByteArray bytes = someState().toBytes();
     for (int size = 0; size < bytes.size(); ++size)
         QVERIFY2(!DialogState::fromBytes(bytes.left(size)), qPrintable(QString::number(size)));
-}
-
-void TestDialogState::takesUnknownViewModesForTheList()
-{
-    const int position = someState().toBytes().size() - 4;
-    QCOMPARE(DialogState::fromBytes(patched(position, 77))->viewMode, QFileDialog::List);
 }
 
 void TestDialogState::survivesAnyBytes()

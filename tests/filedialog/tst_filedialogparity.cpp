@@ -17,6 +17,14 @@ QString s(const char *text)
     return QString::fromUtf8(text);
 }
 
+QStringList texts(const QAbstractItemModel *model, const QModelIndex &parent = {})
+{
+    QStringList result;
+    for (int i = 0; i < model->rowCount(parent); ++i)
+        result.append(model->index(i, 0, parent).data().toString());
+    return result;
+}
+
 /// Performs steps on a file dialog of either kind, and writes down what can be seen of it.
 template<class Dialog> class Script : public QObject
 {
@@ -105,47 +113,39 @@ private:
         }
     }
 
+    Names rows() const { return texts(view()->model(), view()->rootIndex()); }
+
     QModelIndex row(const QString &name) const
     {
-        const QModelIndex root = view()->rootIndex();
-        for (int i = 0; i < view()->model()->rowCount(root); ++i) {
-            if (view()->model()->index(i, 0, root).data().toString() == name)
-                return view()->model()->index(i, 0, root);
-        }
-        return {};
+        return view()->model()->index(rows().indexOf(name), 0, view()->rootIndex());
     }
 
-    Names rows() const
+    QSet<QString> shownRows() const
     {
-        const QModelIndex root = view()->rootIndex();
-        Names names;
-        for (int i = 0; i < view()->model()->rowCount(root); ++i)
-            names.append(view()->model()->index(i, 0, root).data().toString());
-        names.sort();
-        return names;
+        const Names names = rows();
+        return {names.cbegin(), names.cend()};
     }
 
-    Names expectedRows() const
+    QSet<QString> expectedRows() const
     {
         const QString filter = dialog()->selectedNameFilter();
         if (filter == s("Directories") && dialog()->filter() & QDir::Files)
-            return rows(); // the name filters are still there, but not seen
+            return shownRows(); // the name filters are still there, but not seen
         const bool named = filter.contains(QLatin1Char('('));
         const QString patterns = named ? filter.section(QLatin1Char('('), -1).chopped(1) : filter;
-        Names names
+        const Names names
             = QDir(dialog()->directory().path())
                   .entryList(filter.contains(QLatin1Char('*')) ? patterns.split(QLatin1Char(' '))
                                                                : Names(),
                              dialog()->filter());
-        names.sort();
-        return names;
+        return {names.cbegin(), names.cend()};
     }
 
     /// Waits until the shown directory is listed.
     void settle() const
     {
         if (dialog()->directory().path().startsWith(m_root))
-            QTRY_COMPARE(rows(), expectedRows());
+            QTRY_COMPARE(shownRows(), expectedRows());
         QTRY_COMPARE(view()->viewport()->cursor().shape(), Qt::ArrowCursor);
         QCoreApplication::processEvents();
     }
@@ -244,11 +244,8 @@ private:
             return completer->completionCount();
         };
         QTRY_COMPARE(found(), arg.section(QLatin1Char(' '), 0, 0).toInt());
-        Names paths;
-        for (int i = 0; i < completer->completionCount(); ++i)
-            paths.append(completer->pathFromIndex(completer->completionModel()->index(i, 0)));
-        paths.sort();
-        note("completions", paths.join(QLatin1Char('|')));
+        note("completions", texts(completer->completionModel()).join(QLatin1Char('|')));
+        note("first", completer->pathFromIndex(completer->completionModel()->index(0, 0)));
     }
 
     /// What the look-in box offers, but for the separator; then goes to an entry.
@@ -313,9 +310,7 @@ private:
         for (const QModelIndex &index : view()->selectionModel()->selectedRows())
             selected.append(index.data().toString());
         const auto *const types = child<QComboBox>("fileTypeCombo");
-        Names filters;
-        for (int i = 0; i < types->count(); ++i)
-            filters.append(types->itemText(i));
+        const Names filters = texts(types->model());
         lines += {s("selected ") + selected.join(QLatin1Char('|')),
                   s("types %1 %2").arg(types->isEnabled()).arg(filters.join(QLatin1Char('|')))};
         if (dialog()->directory().path().startsWith(m_root))

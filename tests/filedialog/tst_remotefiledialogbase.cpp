@@ -93,7 +93,6 @@ private Q_SLOTS:
     void mnemonicsAreUnique();
     void followsTheLanguage();
     void argumentsLeaveTheNameSelected();
-    void beginsWhereTheArgumentSays_data();
     void beginsWhereTheArgumentSays();
     void keepsItsLayoutForTheNextDialog();
     void refusedStateChangesNothing();
@@ -109,6 +108,7 @@ private Q_SLOTS:
     void deleteKeyOfThePlacesLeavesFilesAlone();
     void readOnlyDialogChangesNoFile();
     void staysOnTheRemoteSide();
+    void typingANameAsksNoOtherMachine();
     void acceptsWhileTheListingIsPending();
     void saysThatADirectoryCannotBeRead();
     void goesUpFromADirectoryThatIsGone();
@@ -248,32 +248,20 @@ void TestRemoteFileDialogBase::argumentsLeaveTheNameSelected()
     QCOMPARE(dialog.selectedNameFilter(), s("Text (*.txt)"));
 }
 
-void TestRemoteFileDialogBase::beginsWhereTheArgumentSays_data()
-{
-    QTest::addColumn<QString>("argument");
-    QTest::addColumn<QString>("directory");
-    QTest::addColumn<QString>("name");
-    QTest::newRow("a directory") << s("root") << s("root") << QString();
-    QTest::newRow("a file") << s("root/a.txt") << s("root") << s("a.txt");
-    QTest::newRow("a new file") << s("root/new.c") << s("root") << s("new.c");
-    QTest::newRow("a missing directory") << s("none/x.c") << s("root/sub") << s("x.c");
-    QTest::newRow("nothing") << QString() << s("root/sub") << QString();
-}
-
 void TestRemoteFileDialogBase::beginsWhereTheArgumentSays()
 {
-    QFETCH(const QString, argument);
-    QFETCH(const QString, directory);
-    QFETCH(const QString, name);
-    {
-        RemoteFileDialogBase earlier(nullptr, {}, path("root"));
-        earlier.setDirectory(path("root/sub"));
+    // The last one has been to root/sub.
+    for (const char *const row : {"root|root|", "root/a.txt|root|a.txt", "root/new.c|root|new.c",
+                                  "none/x.c|root/sub|x.c", "|root/sub|"}) {
+        RemoteFileDialogBase(nullptr, {}, path("root")).setDirectory(path("root/sub"));
+        const QStringList parts = s(row).split(QLatin1Char('|'));
+        const QString argument
+            = parts.at(0).isEmpty() ? QString() : m_folder->filePath(parts.at(0));
+        const RemoteFileDialogBase dialog(nullptr, {}, argument);
+        QCOMPARE(dialog.directory().path(), m_folder->filePath(parts.at(1)));
+        QCOMPARE(nameEdit(dialog)->text(), parts.at(2));
+        QVERIFY(!child<QToolButton>(&dialog, "backButton")->isEnabled());
     }
-    const RemoteFileDialogBase dialog(nullptr, {},
-                                      argument.isEmpty() ? argument : m_folder->filePath(argument));
-    QCOMPARE(dialog.directory().path(), m_folder->filePath(directory));
-    QCOMPARE(nameEdit(dialog)->text(), name);
-    QVERIFY(!child<QToolButton>(&dialog, "backButton")->isEnabled());
 }
 
 void TestRemoteFileDialogBase::keepsItsLayoutForTheNextDialog()
@@ -377,16 +365,12 @@ void TestRemoteFileDialogBase::mayBeDeletedInItsSlots_data()
 {
     QTest::addColumn<QByteArray>("signal");
     QTest::addColumn<QByteArray>("how");
-    const struct {
-        const char *signal;
-        const char *how;
-    } rows[] = {{SIGNAL(filesSelected(QStringList)), "a.txt"},
-                {SIGNAL(fileSelected(QString)), "a.txt"},
-                {SIGNAL(finished(int)), "a.txt"},
-                {SIGNAL(directoryEntered(QString)), "toParentButton"},
-                {SIGNAL(finished(int)), "Escape"}};
-    for (const auto &[signal, how] : rows)
-        QTest::addRow("%s %s", signal + 1, how) << QByteArray(signal) << QByteArray(how);
+    for (const char *const signal :
+         {SIGNAL(filesSelected(QStringList)), SIGNAL(fileSelected(QString)), SIGNAL(finished(int))})
+        QTest::newRow(signal) << QByteArray(signal) << QByteArray("a.txt");
+    QTest::newRow("parent") << QByteArray(SIGNAL(directoryEntered(QString)))
+                            << QByteArray("Button");
+    QTest::newRow("escape") << QByteArray(SIGNAL(finished(int))) << QByteArray("Escape");
 }
 
 void TestRemoteFileDialogBase::mayBeDeletedInItsSlots()
@@ -521,6 +505,9 @@ void TestRemoteFileDialogBase::staysOnTheRemoteSide()
     QTRY_COMPARE(rows(dialog), QStringList{s("f.txt")});
     nameEdit(dialog)->setText(s("f.txt"));
     QCOMPARE(dialog.selectedFiles(), QStringList{s("remote:/tmp/deep/f.txt")});
+    QVERIFY(remote.make(s("tmp/deep/g.txt")));
+    QTest::keyClick(child<QListView>(&dialog, "listView"), Qt::Key_F5);
+    QTRY_COMPARE(rows(dialog).size(), 2);
 
     auto *const lookIn = child<QComboBox>(&dialog, "lookInCombo");
     const struct {
@@ -541,6 +528,23 @@ void TestRemoteFileDialogBase::staysOnTheRemoteSide()
     QVERIFY(QMetaObject::invokeMethod(&dialog, "_q_navigateToParent"));
     QCOMPARE(dialog.directory().path(), s("."));
     QVERIFY(!child<QToolButton>(&dialog, "newFolderButton")->isEnabled());
+}
+
+void TestRemoteFileDialogBase::typingANameAsksNoOtherMachine()
+{
+    FaultyFolder remote;
+    QVERIFY(remote.make(s("a/file.txt")) && remote.make(s("a/sub/")));
+    RemoteFileDialogBase dialog(nullptr, {}, s("remote:/a"));
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.show();
+    QTRY_COMPARE(rows(dialog).size(), 2);
+    const auto *const view = child<QListView>(&dialog, "listView");
+    QTRY_COMPARE(view->viewport()->cursor().shape(), Qt::ArrowCursor);
+    remote.forgetCalls();
+    QTest::keyClicks(nameEdit(dialog), s("file.txt"));
+    QCOMPARE(remote.calls(true), 0);
+    QCOMPARE(view->selectionModel()->selectedRows().size(), 1);
+    QVERIFY(child<QDialogButtonBox>(&dialog, "buttonBox")->buttons().constFirst()->isEnabled());
 }
 
 void TestRemoteFileDialogBase::acceptsWhileTheListingIsPending()

@@ -74,6 +74,32 @@ QStringList DialogContext::selectedPaths() const
     return paths;
 }
 
+bool DialogContext::isShownName(const QString &name) const
+{
+    if (!m_namesKnown) {
+        m_names.clear();
+        const QAbstractItemModel *const rows = viewModel();
+        const QModelIndex root = ui.listView->rootIndex();
+        const int count = rows->rowCount(root);
+        m_names.reserve(count);
+        for (int row = 0; row < count; ++row)
+            m_names.insert(rows->index(row, 0, root).data().toString());
+        m_namesKnown = true;
+    }
+    return m_names.contains(name);
+}
+
+tul::FileKind DialogContext::likelyKindOf(const QString &path) const
+{
+    const QString root = rootPath();
+    const bool isThisMachine
+        = root.startsWith(QLatin1Char('/')) || root.indexOf(QLatin1Char(':')) == 1;
+    const bool isKnown = !isThisMachine && !listing && tul::parentPath(path) == root;
+    if (isKnown && !isShownName(tul::lastElement(path)))
+        return tul::FileKind::Missing;
+    return kindOf(path);
+}
+
 tul::FileKind DialogContext::kindOf(const QString &path) const
 {
     const QModelIndex entry = shownEntry(path);

@@ -8,6 +8,7 @@
 #include <QMessageBox>
 #include <QModelIndex>
 #include <QPointer>
+#include <QSet>
 
 class QAbstractItemModel;
 class QAbstractItemView;
@@ -54,6 +55,13 @@ public:
     /// Asks the row of a shown entry, else the disk, or what serves it.
     tul::FileKind kindOf(const QString &path) const;
 
+    /// The same for what is asked with each key: in a listed directory of another machine what has
+    /// no row is missing, so that typing a name never waits for that machine.
+    tul::FileKind likelyKindOf(const QString &path) const;
+
+    /// Called when the rows of the shown directory have changed.
+    void forgetNames() { m_namesKnown = false; }
+
     bool isReadOnly() const { return options.testFlag(QFileDialog::ReadOnly); }
 
     /// Shows a box with a text that is no rich text, and returns the button; NoButton when it was
@@ -72,4 +80,10 @@ public:
     QFileDialog::AcceptMode acceptMode = QFileDialog::AcceptOpen;
     QFileDialog::Options options;
     QString defaultSuffix;
+
+private:
+    bool isShownName(const QString &name) const;
+
+    mutable QSet<QString> m_names; ///< of the shown directory, where they are known
+    mutable bool m_namesKnown = false;
 };

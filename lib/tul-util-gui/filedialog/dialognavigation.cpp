@@ -156,6 +156,7 @@ void DialogNavigation::rootChanged()
     // The model lists a directory again only after it was the root.
     m_listed.remove(m_root);
     m_root = path;
+    m_context->forgetNames();
     setListing(!path.isEmpty() && !m_listed.contains(path));
     m_context->ui.listView->setRootIndex(root);
     m_context->ui.treeView->setRootIndex(root);

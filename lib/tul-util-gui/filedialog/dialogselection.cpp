@@ -56,7 +56,7 @@ QString DialogSelection::withSuffix(const QString &path) const
     const QString &suffix = m_context->defaultSuffix;
     if (suffix.isEmpty() || tul::choosesDirectories(m_context->fileMode)
         || tul::lastElement(path).contains(QLatin1Char('.'))
-        || m_context->kindOf(path) == tul::FileKind::Directory)
+        || m_context->likelyKindOf(path) == tul::FileKind::Directory)
         return path;
     return path + QLatin1Char('.') + suffix;
 }
@@ -116,7 +116,10 @@ void DialogSelection::selectTypedRows(const QString &text)
     QItemSelection named;
     const QStringList files = m_context->dialog->typedFiles();
     for (const QString &file : files) {
-        const QModelIndex row = m_context->toView(m_context->shownEntry(withSuffix(file)));
+        const QString path = withSuffix(file);
+        if (m_context->likelyKindOf(path) == tul::FileKind::Missing)
+            continue;
+        const QModelIndex row = m_context->toView(m_context->shownEntry(path));
         if (row.isValid())
             named.select(row, row);
     }
@@ -170,7 +173,7 @@ void DialogSelection::updateAcceptButton()
     request.fileMode = m_context->fileMode;
     request.files = directories ? selectedFiles() : chosenFiles();
     const tul::AcceptButton look = tul::acceptButton(
-        request, [this](const QString &path) { return m_context->kindOf(path); });
+        request, [this](const QString &path) { return m_context->likelyKindOf(path); });
     button->setEnabled(look.enabled);
     button->setText(RemoteFileDialogBasePrivate::of(m_context->dialog)->acceptText(look.opens));
 }

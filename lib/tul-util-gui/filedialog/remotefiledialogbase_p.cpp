@@ -122,9 +122,18 @@ void RemoteFileDialogBasePrivate::attachViews()
                      &RemoteFileDialogBase::_q_selectionChanged);
     QObject::connect(rows, &QItemSelectionModel::currentChanged, q,
                      &RemoteFileDialogBase::_q_currentChanged);
-    QObject::disconnect(m_rowsInserted);
-    m_rowsInserted = QObject::connect(shown, &QAbstractItemModel::rowsInserted, q,
-                                      &RemoteFileDialogBase::_q_rowsInserted);
+    for (const QMetaObject::Connection &connection : qAsConst(m_rowConnections))
+        QObject::disconnect(connection);
+    const auto forget = [this] { context.forgetNames(); };
+    m_rowConnections = {// Ahead of the slot that looks for names.
+                        QObject::connect(shown, &QAbstractItemModel::rowsInserted, q, forget),
+                        QObject::connect(shown, &QAbstractItemModel::rowsRemoved, q, forget),
+                        QObject::connect(shown, &QAbstractItemModel::dataChanged, q, forget),
+                        QObject::connect(shown, &QAbstractItemModel::layoutChanged, q, forget),
+                        QObject::connect(shown, &QAbstractItemModel::modelReset, q, forget),
+                        QObject::connect(shown, &QAbstractItemModel::rowsInserted, q,
+                                         &RemoteFileDialogBase::_q_rowsInserted)};
+    context.forgetNames();
 }
 
 void RemoteFileDialogBasePrivate::connectModel()
@@ -439,6 +448,8 @@ bool RemoteFileDialogBasePrivate::handleViewKey(const QKeyEvent *event)
         navigation.goBack();
     else if (event->key() == Qt::Key_Forward || event->matches(QKeySequence::Forward))
         navigation.goForward();
+    else if (event->matches(QKeySequence::Refresh))
+        context.model->refresh(context.rootIndex());
     else
         return false;
     return true;

@@ -10,6 +10,7 @@
 #include <QByteArray>
 #include <QHash>
 #include <QPointer>
+#include <QVector>
 
 class QFileIconProvider;
 class QKeyEvent;
@@ -85,5 +86,5 @@ private:
 
     QHash<int, QString> m_labels; ///< that the host has set, by QFileDialog::DialogLabel
     QString m_ownTitle; ///< the last title that was not the host's
-    QMetaObject::Connection m_rowsInserted;
+    QVector<QMetaObject::Connection> m_rowConnections; ///< to the model of the views
 };
