@@ -264,16 +264,25 @@ void TextGridLayout::documentChanged(int from, int charsRemoved, int charsAdded)
             m_longest = 0;
         }
         const int end = std::min(from + charsAdded, length - 1);
-        const QString text = m_hasOddCharacters ? QString() : textOf(document(), from, end - from);
-        m_hasOddCharacters
-            = m_hasOddCharacters || std::any_of(text.begin(), text.end(), [](QChar character) {
-                  return isOdd(character) && character != QChar::ParagraphSeparator;
-              });
+        lookForOddCharacters(document()->findBlock(from), end);
         countLines(document()->findBlock(from), end);
     }
     Q_EMIT documentSizeChanged(documentSize());
-    if (!m_updatesHeld) {
+    if (!m_updatesHeld)
         Q_EMIT update(QRectF(0, isText ? blockTop(firstBlock) : 0, farAway, farAway));
+}
+
+void TextGridLayout::lookForOddCharacters(QTextBlock block, int lastPosition)
+{
+    int position = block.position();
+    for (; block.isValid() && position <= lastPosition; block = block.next()) {
+        if (m_hasOddCharacters)
+            return;
+        position += block.length();
+        if (textLength(block) > longBlock)
+            continue; // makes no difference there
+        const QString text = block.text();
+        m_hasOddCharacters = std::any_of(text.begin(), text.end(), isOdd);
     }
 }
 

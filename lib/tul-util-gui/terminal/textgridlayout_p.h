@@ -70,6 +70,7 @@ private:
     QTextBlock blockAt(qreal y) const;
     QRectF blockRect(const QTextBlock &block) const;
     int lineCountOf(QTextBlock block) const;
+    void lookForOddCharacters(QTextBlock block, int lastPosition);
     void countLines(QTextBlock block, int lastPosition);
     void geometryChanged();
     void measureFont();
