@@ -197,11 +197,6 @@ void TerminalWidget::init()
     setCursorWidth(d->standardCursorWidth); // kept by the layout
     setWindowTitle(tr("Terminal"));
     d->outputCursor = QTextCursor(document());
-    // Otherwise output would carry along a user's cursor, or the end of a selection, that is at the
-    // same place, which is also slow.
-    QTextCursor userCursor = textCursor();
-    userCursor.setKeepPositionOnInsert(true);
-    setTextCursor(userCursor);
 
     d->pasteAction = new QAction(tr("&Paste"), this);
     d->pasteAction->setShortcuts(QKeySequence::Paste);
