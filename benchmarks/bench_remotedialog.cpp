@@ -66,6 +66,12 @@ struct Case {
 
 QString pictures; // where to; empty for none
 
+template<typename Condition> void await(const Condition &condition)
+{
+    if (!QTest::qWaitFor(condition, patience))
+        std::fputs("gave up waiting\n", stderr);
+}
+
 void savePicture(QWidget *widget, const char *name)
 {
     if (!pictures.isEmpty())
@@ -85,9 +91,10 @@ QMessageBox *shownBox()
 void fill(const QString &directory, int count)
 {
     QDir().mkpath(directory);
-    for (int index = 0; index < count; ++index)
-        ::close(
-            ::creat(QStringLiteral("%1/file%2.txt").arg(directory).arg(index).toLocal8Bit(), 0644));
+    for (int index = 0; index < count; ++index) {
+        const QString name = QStringLiteral("%1/file%2.txt").arg(directory).arg(index);
+        ::close(::creat(name.toLocal8Bit().constData(), 0644));
+    }
 }
 
 void inject(SshServer *server, Fault fault)
@@ -122,12 +129,12 @@ void run(SshServer *server, const Case &what)
     auto *const view = dialog.findChild<QListView *>(QStringLiteral("listView"));
     auto *const edit = dialog.findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
     const auto rows = [&] { return view->model()->rowCount(view->rootIndex()); };
-    QTest::qWaitFor([&] { return rows() > 0; }, patience);
+    await([&] { return rows() > 0; });
     const qint64 firstRow = clock.elapsed();
     edit->setText(QStringLiteral("typed"));
     const int all = QDir(path).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size();
     if (!what.whileListing)
-        QTest::qWaitFor([&] { return rows() == all; }, patience);
+        await([&] { return rows() == all; });
     const qint64 allRows = clock.elapsed();
     const int requests = client.statistics().requests - before.requests;
     if (what.fault == Fault::None && what.delay == 0 && all < 100)
@@ -139,7 +146,7 @@ void run(SshServer *server, const Case &what)
     if (what.fault != Fault::None) {
         if (!what.whileListing)
             dialog.findChild<QToolButton *>(QStringLiteral("toParentButton"))->click();
-        QTest::qWaitFor([] { return shownBox() != nullptr; }, patience);
+        await([] { return shownBox() != nullptr; });
         if (QMessageBox *const box = shownBox()) {
             message
                 = QStringLiteral("%1, after %2 ms").arg(box->windowTitle()).arg(clock.elapsed());
@@ -170,7 +177,7 @@ void pictureOfKeyQuestion(SshServer *server)
     });
     presser.start(50);
     remote.connectTo(server->target(), server->settings());
-    QTest::qWaitFor([&] { return !presser.isActive(); }, patience);
+    await([&] { return !presser.isActive(); });
     QFile::rename(known + QStringLiteral(".away"), known);
 }
 

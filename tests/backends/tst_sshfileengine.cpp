@@ -550,7 +550,7 @@ void TestSshFileEngine::faultsEndEveryCall()
         QCOMPARE(finished.first().first().toInt(), -1);
         m_server->restore();
         failing.files->setClient(nullptr);
-        QVERIFY(!QFileInfo::exists(remote(QString())) && !reading.open(QIODevice::ReadOnly));
+        QVERIFY(!QFileInfo::exists(remote(QString())) && !writing.open(QIODevice::ReadOnly));
 
         // A new connection takes the place of the old one.
         QSignalSpy opened(failing.connection.get(), &SshConnection::opened);

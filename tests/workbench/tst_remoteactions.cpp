@@ -65,7 +65,7 @@ private Q_SLOTS:
     void aLostConnectionIsOfferedAnewAndDialogsGoOn();
 
 private:
-    void connectTo(SshServer *server, int timeout = 10000);
+    void connectTo(SshServer *server);
 
     QTemporaryDir m_settings;
     std::unique_ptr<QMainWindow> m_window;
@@ -83,17 +83,15 @@ void TestRemoteActions::cleanup()
     TestCase::cleanup();
 }
 
-void TestRemoteActions::connectTo(SshServer *server, int timeout)
+void TestRemoteActions::connectTo(SshServer *server)
 {
     QCOMPARE(server->fault(), QString());
     m_window = std::make_unique<QMainWindow>();
     m_window->show();
     m_actions = new RemoteActions(new QMenu(m_window.get()), m_window.get());
     m_actions->setFilter(QStringLiteral("All (*)"));
-    SshSettings settings = server->settings();
-    settings.timeout = timeout;
     QSignalSpy opened(m_actions, &RemoteActions::opened);
-    m_actions->connectTo(server->target(), settings);
+    m_actions->connectTo(server->target(), server->settings());
     QTRY_VERIFY_WITH_TIMEOUT(!opened.isEmpty() || shownBox(), longEnough);
 }
 
@@ -161,7 +159,7 @@ void TestRemoteActions::aLostConnectionIsOfferedAnewAndDialogsGoOn()
 {
     SshServer server;
     QVERIFY(QDir(server.home()).mkdir(QStringLiteral("inside")));
-    connectTo(&server, 2000);
+    connectTo(&server);
     RemoteFileDialog dialog(m_window.get());
     dialog.open();
     auto *const view = dialog.findChild<QListView *>(QStringLiteral("listView"));
