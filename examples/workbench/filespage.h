@@ -2,6 +2,8 @@
 
 #include <workbench/page.h>
 
+#include <QModelIndex>
+
 class QAction;
 class QLineEdit;
 class QToolBar;

@@ -6,6 +6,7 @@
 #include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
 #include <tul-util-gui/filesystemmodel/remotesidebar.h>
 
+#include <QAction>
 #include <QDir>
 #include <QFileInfo>
 #include <QItemSelectionModel>

@@ -2,6 +2,7 @@
 
 #include <QFontMetrics>
 #include <QStyle>
+#include <QTextDocument>
 #include <QToolTip>
 
 namespace
