@@ -344,7 +344,6 @@ void tst_RemoteFileSystemModel::unusableNamesAreRefusedWithABox()
     QFETCH(bool, isTop);
     Fixture f("a b", true);
     QVERIFY(f.show());
-    announceWarning("This plugin does not support propagateSizeHints()"_s);
     const BoxReader box;
     QVERIFY(!f.model->setData(f.index(isTop ? "" : "a"), name));
     QCOMPARE(box.said.section(QLatin1Char('|'), 0, 0), "Invalid filename"_s);

@@ -482,8 +482,6 @@ void TestTerminalWidget::pasteStandsAfterCopyInTheMenu()
 {
     View view;
     for (const bool hasCopy : {true, false}) {
-        announceWarning(QStringLiteral("This plugin does not support raise()"));
-        announceWarning(QStringLiteral("This plugin does not support grabbing the keyboard"));
         QStringList texts;
         QTimer::singleShot(0, this, [&] {
             auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());

@@ -38,7 +38,6 @@ void TestTipLabel::looksAsTheToolTipOfTheToolkit()
     QToolTip::setPalette(palette);
 
     QWidget parent;
-    announceWarning(QStringLiteral("This plugin does not support raise()")); // the platform's
     QToolTip::showText(QPoint(10, 10), text, &parent);
     const auto windows = QApplication::topLevelWidgets();
     const auto tip = std::find_if(windows.begin(), windows.end(), [&](const QWidget *window) {
