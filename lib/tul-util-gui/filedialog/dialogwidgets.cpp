@@ -102,6 +102,9 @@ void buildViews(DialogWidgets &ui, QWidget *dialog, QGridLayout *grid)
     setUpView(ui.listView);
     ui.listView->setWrapping(true);
     ui.listView->setResizeMode(QListView::Adjust);
+    // Keys get their turn while a large directory is laid out.
+    ui.listView->setLayoutMode(QListView::Batched);
+    ui.listView->setBatchSize(200);
     setUpView(ui.treeView);
     ui.treeView->setRootIsDecorated(false);
     ui.treeView->setItemsExpandable(false);

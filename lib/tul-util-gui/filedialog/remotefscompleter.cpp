@@ -7,6 +7,7 @@
 
 #include <QAbstractItemView>
 #include <QDir>
+#include <QListView>
 
 RemoteFSCompleter::RemoteFSCompleter(DialogContext *context, QObject *parent)
     : QCompleter(parent)
@@ -15,6 +16,11 @@ RemoteFSCompleter::RemoteFSCompleter(DialogContext *context, QObject *parent)
     setModel(context->viewModel());
     // By design: on a remote side too, where the letter case counts; the user sees what is meant.
     setCaseSensitivity(Qt::CaseInsensitive);
+    // Measuring each completion would ask for the icon of each file.
+    auto *const list = new QListView;
+    list->setUniformItemSizes(true);
+    list->setLayoutMode(QListView::Batched);
+    setPopup(list);
 }
 
 QString RemoteFSCompleter::absolutePath(const QString &text) const
