@@ -244,8 +244,11 @@ private:
             return completer->completionCount();
         };
         QTRY_COMPARE(found(), arg.section(QLatin1Char(' '), 0, 0).toInt());
-        note("completions", texts(completer->completionModel()).join(QLatin1Char('|')));
-        note("first", completer->pathFromIndex(completer->completionModel()->index(0, 0)));
+        Names paths;
+        for (int i = 0; i < completer->completionCount(); ++i)
+            paths.append(completer->pathFromIndex(completer->completionModel()->index(i, 0)));
+        paths.sort(); // the toolkit does not sort what is not shown
+        note("completions", paths.join(QLatin1Char('|')));
     }
 
     /// What the look-in box offers, but for the separator; then goes to an entry.
@@ -418,7 +421,7 @@ void TestFileDialogParity::behavesAsTheDialogOfTheToolkit_data()
     row("deleting",
         "click a.txt;answer Yes;action qt_delete_action;answer No;action qt_delete_action;click "
         "sub;answer Yes;key view Delete");
-    row("new folder", "action qt_new_folder_action;edit made");
+    row("new folder", "action qt_new_folder_action");
     row("hidden files and the menu",
         "action qt_show_hidden_action;menu;action "
         "qt_show_hidden_action;menu noext;menu");
@@ -430,9 +433,6 @@ void TestFileDialogParity::behavesAsTheDialogOfTheToolkit_data()
     row("by design: missing among several", "mode 3;!type \"a.txt\" \"zz\";!answer OK;!key Return");
     // Rows elsewhere are not selected: what is selected can be seen.
     row("by design: rows elsewhere", "mode 1;type sub;!type sub/inner.txt;!key Return");
-    // Of several files, each is gone before the next question.
-    row("by design: deleting several",
-        "mode 3;click a.txt;ctrl ab.txt;answer Yes;answer No;!action qt_delete_action");
     // A row that the line edit names is selected wherever the dialog goes.
     row("by design: a name goes along", "double sub;click inner.txt;dir ROOT;!dir ROOT/sub/");
     // A hidden file that is named can be opened, and the button shows it.
