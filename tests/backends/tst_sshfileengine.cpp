@@ -431,13 +431,19 @@ void TestSshFileEngine::ownChangesAreSeenAtOnce()
     QVERIFY(QFile::remove(other));
     QVERIFY(!QFileInfo::exists(other));
 
-    // What a listing told before a change is not believed after it.
+    // What a listing told before a change is not believed after it, but of that path only.
     QVERIFY(write(local(QStringLiteral("file")), "12"));
+    QVERIFY(write(remote(QStringLiteral("other")), "12"));
     QDirIterator iterator(remote(QString()), everything | QDir::NoDotAndDotDot);
     QVERIFY(iterator.hasNext());
-    QVERIFY(QFile::remove(path));
-    iterator.next();
+    QVERIFY(QFile::rename(path, path + QLatin1Char('2')));
+    QVERIFY(iterator.hasNext());
+    while (iterator.hasNext())
+        iterator.next();
     QVERIFY(!QFileInfo::exists(path));
+    const Cost cost(m_remote->client());
+    QVERIFY(QFileInfo::exists(other));
+    QCOMPARE(cost.requests(), 0);
 }
 
 void TestSshFileEngine::whatOthersOwnIsRefused()

@@ -417,8 +417,8 @@ bool SshFileEngine::rename(const QString &newName)
     }
     const SftpStatus status
         = client->ask(SftpRequest::Rename, SftpWriter().string(m_path).string(newPath));
-    // All paths below a directory change with it.
-    m_files->forgetAll();
+    m_files->forgetTree(m_path);
+    m_files->forgetTree(newPath);
     return finish(status, QFile::RenameError, m_path);
 }
 

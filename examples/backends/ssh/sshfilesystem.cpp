@@ -7,6 +7,19 @@
 
 #include <utility>
 
+namespace
+{
+
+// Of those that are told apart; beyond, all that was asked for before is distrusted once.
+constexpr int mostChanges = 1000;
+
+bool isWithin(const QByteArray &path, const QByteArray &tree)
+{
+    return path.startsWith(tree) && (path.size() == tree.size() || path.at(tree.size()) == '/');
+}
+
+} // namespace
+
 SshFileSystem::SshFileSystem(const QString &prefix)
     : m_prefix(prefix)
 {
@@ -106,7 +119,7 @@ void SshFileSystem::rememberLocked(const QByteArray &remotePath, const SftpEntry
                                    quint32 changes)
 {
     ageLocked();
-    if (changes == m_changes)
+    if (!wasChangedLocked(remotePath, changes))
         m_young.insert(remotePath, entry);
 }
 
@@ -126,20 +139,59 @@ void SshFileSystem::ageLocked() const
     m_age.start();
 }
 
+bool SshFileSystem::wasChangedLocked(const QByteArray &remotePath, quint32 changes) const
+{
+    if (changes == m_changes)
+        return false;
+    if (m_allChanged > changes || m_changed.value(remotePath) > changes)
+        return true;
+    for (auto tree = m_changedTrees.cbegin(); tree != m_changedTrees.cend(); ++tree) {
+        if (*tree > changes && isWithin(remotePath, tree.key()))
+            return true;
+    }
+    return false;
+}
+
 void SshFileSystem::forget(const QByteArray &remotePath)
 {
     const QMutexLocker locker(&m_mutex);
     ++m_changes;
+    if (m_changed.size() > mostChanges) {
+        m_changed.clear();
+        m_allChanged = m_changes;
+    }
+    for (const QByteArray &path : {remotePath, tul::remoteDirectoryOf(remotePath)}) {
+        m_changed.insert(path, m_changes);
+        m_young.remove(path);
+        m_old.remove(path);
+    }
+}
+
+void SshFileSystem::forgetTree(const QByteArray &remotePath)
+{
+    forget(remotePath);
+    const QMutexLocker locker(&m_mutex);
+    if (m_changedTrees.size() > mostChanges) {
+        m_changedTrees.clear();
+        m_allChanged = m_changes;
+    }
+    m_changedTrees.insert(remotePath, m_changes);
     for (auto *const generation : {&m_young, &m_old}) {
-        generation->remove(remotePath);
-        generation->remove(tul::remoteDirectoryOf(remotePath));
+        for (auto entry = generation->begin(); entry != generation->end();) {
+            if (isWithin(entry.key(), remotePath))
+                entry = generation->erase(entry);
+            else
+                ++entry;
+        }
     }
 }
 
 void SshFileSystem::forgetAll()
 {
     const QMutexLocker locker(&m_mutex);
-    ++m_changes;
+    m_allChanged = ++m_changes;
+    m_changed.clear();
+    m_changedTrees.clear();
     m_young.clear();
     m_old.clear();
 }

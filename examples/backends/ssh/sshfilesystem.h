@@ -45,19 +45,22 @@ public:
     /// Whether the path is known and fresh; then sets `entry`.
     bool known(const QByteArray &remotePath, SftpEntry *entry) const;
 
-    /// Remembers what a listing told, unless something was changed since changeCount() was
+    /// Remembers what a listing told of a path, unless that was changed since changeCount() was
     /// `changes`, when the listing began.
     void remember(const QByteArray &remotePath, const SftpEntry &entry, quint32 changes);
     quint32 changeCount() const;
 
-    /// Forgets a path that was changed, and the directory that it is in; or everything.
+    /// Forgets a path that was changed, and the directory that it is in; or all that is below it
+    /// as well; or everything.
     void forget(const QByteArray &remotePath);
+    void forgetTree(const QByteArray &remotePath);
     void forgetAll();
 
 private:
     bool knownLocked(const QByteArray &remotePath, SftpEntry *entry) const;
     void rememberLocked(const QByteArray &remotePath, const SftpEntry &entry, quint32 changes);
     void ageLocked() const;
+    bool wasChangedLocked(const QByteArray &remotePath, quint32 changes) const;
 
     const QString m_prefix;
     mutable QMutex m_mutex; // guards what follows
@@ -66,5 +69,10 @@ private:
     mutable QHash<QByteArray, SftpEntry> m_young;
     mutable QHash<QByteArray, SftpEntry> m_old;
     mutable QElapsedTimer m_age; // of the young generation
+    // When what was changed, by number. Never a reason to distrust other paths: a long listing
+    // would have to ask for each of its files.
     quint32 m_changes = 0;
+    quint32 m_allChanged = 0;
+    QHash<QByteArray, quint32> m_changed;
+    QHash<QByteArray, quint32> m_changedTrees;
 };
