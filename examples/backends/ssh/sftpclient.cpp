@@ -91,8 +91,8 @@ SftpAnswer SftpClient::wait(const SftpPendingPointer &pending)
     while (!pending->done) {
         if (pending->answered.wait(&d->mutex, deadline) || pending->done)
             continue;
-        giveUpLocked(tr("The remote machine did not answer within %n second(s).", nullptr,
-                        (m_timeout + 999) / 1000));
+        giveUpLocked(
+            tr("The remote machine did not answer within %1 s.").arg((m_timeout + 999) / 1000));
         locker.unlock();
         m_wake();
         return SftpAnswer();

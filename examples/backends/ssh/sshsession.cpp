@@ -90,8 +90,7 @@ bool SshSession::setOptions()
 QString SshSession::errorText() const
 {
     if (m_timedOut)
-        return tr("there was no answer for %n second(s)", nullptr,
-                  (m_settings.timeout + 999) / 1000);
+        return tr("there was no answer for %1 s").arg((m_settings.timeout + 999) / 1000);
     if (!m_session)
         return tr("out of memory");
     return QString::fromLocal8Bit(ssh_get_error(m_session));

@@ -209,9 +209,9 @@ bool SshThread::cycle(SshSession *session, int milliseconds)
     if (m_waker->stopped() || !m_client->lossReason().isEmpty())
         return false;
     if (m_client->isStalled()) {
-        m_client->giveUp(SshConnection::tr("%1 has been silent for %n second(s).", nullptr,
-                                           (m_settings.timeout + 999) / 1000)
-                             .arg(m_target.displayName()));
+        m_client->giveUp(SshConnection::tr("%1 has been silent for %2 s.")
+                             .arg(m_target.displayName())
+                             .arg((m_settings.timeout + 999) / 1000));
         return false;
     }
     if (!sendOutput() || !receive())
