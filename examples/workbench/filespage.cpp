@@ -6,7 +6,6 @@
 #include <QActionGroup>
 #include <QDir>
 #include <QHeaderView>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPersistentModelIndex>
@@ -54,16 +53,11 @@ FilesPage::FilesPage(QWidget *parent)
     splitter->addWidget(m_view);
     splitter->setStretchFactor(1, 1);
     splitter->setSizes({180, 700});
-    auto *const hint = new QLabel(
-        tr("Drag files to other directories, and directories to the places. What happens on this "
-           "machine's disk shows by itself; on the remote side press F5."));
-    hint->setWordWrap(true);
 
     auto *const layout = new QVBoxLayout(this);
     layout->addWidget(createToolBar());
     layout->addWidget(m_path);
     layout->addWidget(splitter, 1);
-    layout->addWidget(hint);
     layout->addWidget(new FileRequests);
 
     connect(m_sidebar, &RemoteSidebar::goToUrl, this,
@@ -76,6 +70,13 @@ FilesPage::FilesPage(QWidget *parent)
 QString FilesPage::title() const
 {
     return tr("Files");
+}
+
+QString FilesPage::advice() const
+{
+    return tr(
+        "Drag files to other directories, and directories to the places. What happens on this "
+        "machine's disk shows by itself; on the remote side press F5.");
 }
 
 QAction *FilesPage::addAction(QToolBar *bar, const QString &text, const QKeySequence &key,

@@ -21,6 +21,7 @@ public:
     explicit FilesPage(QWidget *parent = nullptr);
 
     QString title() const override;
+    QString advice() const override;
     QStringList shots() const override;
     void prepareShot(const QString &shot) override;
     void setRemoteDirectory(const QString &directory) override;

@@ -36,11 +36,6 @@ TerminalPage::TerminalPage(QWidget *parent)
     layout->addWidget(createCommandRow());
     layout->addWidget(createOptionRow());
     layout->addWidget(m_widget, 1);
-    auto *const hint = new QLabel(
-        tr("Try: make, cat, python3 -i, sh -c \"kill -SEGV $$\", yes. Typed text goes to the "
-           "program; Meta+C sends an interrupt, which a pseudo-terminal passes on."));
-    hint->setWordWrap(true);
-    layout->addWidget(hint);
 
     connect(m_session, &TerminalSession::runningChanged, this, &TerminalPage::updateButtons);
     connect(m_session, &TerminalSession::failed, this, &WorkbenchPage::failed);
@@ -55,6 +50,13 @@ TerminalPage::~TerminalPage()
 QString TerminalPage::title() const
 {
     return tr("Terminal");
+}
+
+QString TerminalPage::advice() const
+{
+    return tr(
+        "Try: make, cat, python3 -i, sh -c \"kill -SEGV $$\", yes. Typed text goes to the program; "
+        "Meta+C sends an interrupt, which a pseudo-terminal passes on.");
 }
 
 QWidget *TerminalPage::createCommandRow()

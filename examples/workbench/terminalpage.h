@@ -20,6 +20,7 @@ public:
     ~TerminalPage() override;
 
     QString title() const override;
+    QString advice() const override;
 
     /// Programs that have run: a list of files, a Python session where there is Python, a crash,
     /// and a terminal window.
