@@ -2,6 +2,8 @@
 
 #include <QChar>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -41,11 +43,8 @@ Decoded decode(const QByteArray &bytes, int position)
 
 bool isAscii(const QByteArray &bytes)
 {
-    for (const char byte : bytes) {
-        if (static_cast<uchar>(byte) >= 0x80)
-            return false;
-    }
-    return true;
+    return std::all_of(bytes.cbegin(), bytes.cend(),
+                       [](char byte) { return static_cast<uchar>(byte) < 0x80; });
 }
 
 } // namespace

@@ -95,7 +95,7 @@ SftpAnswer SftpClient::wait(const SftpPendingPointer &pending)
             tr("The remote machine did not answer within %1 s.").arg((m_timeout + 999) / 1000));
         locker.unlock();
         m_wake();
-        return SftpAnswer();
+        return {};
     }
     return pending->answer;
 }

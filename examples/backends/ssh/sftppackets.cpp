@@ -72,7 +72,7 @@ QByteArray SftpReader::string()
     if (size > static_cast<quint32>(m_packet.size() - m_position)) {
         m_ok = false;
         m_position = m_packet.size();
-        return QByteArray();
+        return {};
     }
     const QByteArray value = m_packet.mid(m_position, static_cast<int>(size));
     m_position += static_cast<int>(size);

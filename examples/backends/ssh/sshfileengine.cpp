@@ -44,7 +44,7 @@ public:
     QString next() override
     {
         if (!hasNext())
-            return QString();
+            return {};
         m_hasUpcoming = false;
         m_currentName = tul::remoteNameFromBytes(m_upcoming.name);
         // The engine of this name, which the toolkit makes next, takes the attributes from there.
@@ -188,7 +188,7 @@ QString SshFileEngine::fileName(FileName which) const
             : m_files->fileName(tul::remoteDirectoryOf(m_files->remotePath(name)));
     }
     default:
-        return QString();
+        return {};
     }
 }
 
@@ -196,10 +196,10 @@ QString SshFileEngine::linkTarget() const
 {
     const std::shared_ptr<SftpClient> client = m_files->client();
     if (!client || !entry(0).own.isLink())
-        return QString();
+        return {};
     QByteArray target;
     if (client->name(SftpRequest::ReadLink, m_path, &target) != SftpStatus::Ok)
-        return QString();
+        return {};
     if (!target.startsWith('/'))
         target = tul::remoteJoined(tul::remoteDirectoryOf(m_path), target);
     return m_files->prefix() + QDir::cleanPath(tul::remoteNameFromBytes(target));
@@ -211,7 +211,7 @@ QString SshFileEngine::canonicalName() const
     QByteArray name;
     if (!client || entry(0).targetStatus != SftpStatus::Ok || entry(0).status != SftpStatus::Ok
         || client->name(SftpRequest::RealPath, m_path, &name) != SftpStatus::Ok) {
-        return QString();
+        return {};
     }
     return m_files->fileName(name);
 }
@@ -256,7 +256,7 @@ QDateTime SshFileEngine::fileTime(FileTime time) const
     const SftpAttributes &attributes
         = found.targetStatus == SftpStatus::Ok ? found.target : found.own;
     if (found.status != SftpStatus::Ok || !(attributes.fields & SftpAttributes::Times))
-        return QDateTime();
+        return {};
     if (time == ModificationTime)
         return QDateTime::fromSecsSinceEpoch(attributes.modificationTime);
     return time == AccessTime ? QDateTime::fromSecsSinceEpoch(attributes.accessTime) : QDateTime();

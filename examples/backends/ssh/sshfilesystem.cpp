@@ -5,6 +5,7 @@
 #include <QMutexLocker>
 #include <QVector>
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -145,11 +146,10 @@ bool SshFileSystem::wasChangedLocked(const QByteArray &remotePath, quint32 chang
         return false;
     if (m_allChanged > changes || m_changed.value(remotePath) > changes)
         return true;
-    for (auto tree = m_changedTrees.cbegin(); tree != m_changedTrees.cend(); ++tree) {
-        if (*tree > changes && isWithin(remotePath, tree.key()))
-            return true;
-    }
-    return false;
+    return std::any_of(m_changedTrees.keyValueBegin(), m_changedTrees.keyValueEnd(),
+                       [&](const std::pair<QByteArray, quint32> &tree) {
+                           return tree.second > changes && isWithin(remotePath, tree.first);
+                       });
 }
 
 void SshFileSystem::forget(const QByteArray &remotePath)

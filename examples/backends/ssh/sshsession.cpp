@@ -126,7 +126,7 @@ QString SshSession::checkHost()
 {
     const ssh_known_hosts_e known = ssh_session_is_known_server(m_session);
     if (known == SSH_KNOWN_HOSTS_OK)
-        return QString();
+        return {};
     if (known == SSH_KNOWN_HOSTS_ERROR)
         return tr("Cannot tell whether %1 is known: %2").arg(m_target.host, errorText());
 
@@ -152,14 +152,14 @@ QString SshSession::checkHost()
     case SshPrompt::Answer::Refuse:
         return tr("The key of %1 was not accepted.").arg(m_target.host);
     case SshPrompt::Answer::AcceptOnce:
-        return QString();
+        return {};
     case SshPrompt::Answer::AcceptAndRemember:
         break;
     }
     // A second line beside the old one would make every key of either right from now on.
     if (isUnknown && ssh_session_update_known_hosts(m_session) != SSH_OK)
         return tr("Cannot remember the key of %1: %2").arg(m_target.host, errorText());
-    return QString();
+    return {};
 }
 
 QString SshSession::logIn()
@@ -186,7 +186,7 @@ QString SshSession::logIn()
             return tr("The login to %1 was cancelled.").arg(m_target.displayName());
     }
     if (result == SSH_AUTH_SUCCESS)
-        return QString();
+        return {};
     return tr("Cannot log in to %1: %2").arg(m_target.displayName(), errorText());
 }
 

@@ -74,7 +74,7 @@ QString SshTarget::parse(const QString &text, SshTarget *target)
     if (result.directory.contains(QChar()))
         return tr("\"%1\" has no proper directory.").arg(text);
     *target = result;
-    return QString();
+    return {};
 }
 
 QString SshTarget::displayName() const

@@ -200,7 +200,7 @@ QString SshThread::startSftp(SshSession *session, QString *home)
     const SftpAnswer attributes = m_client->wait(owner);
     const SftpAttributes identity = SftpReader(attributes.fields).attributes();
     m_client->setIdentity(identity.user, identity.group);
-    return QString();
+    return {};
 }
 
 /// Moves what can be moved, then waits for more; false when the session is over.
