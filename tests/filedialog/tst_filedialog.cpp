@@ -18,10 +18,11 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+using Request = std::function<QString(const QString &caption, const QString &dir)>;
+Q_DECLARE_METATYPE(Request)
+
 namespace
 {
-
-using Request = std::function<QString(const QString &caption, const QString &dir)>;
 
 /// Puts in a name, as by pasting, which brings up no completions, and clicks on Open, Save or
 /// Choose.
@@ -419,8 +420,6 @@ void TestFileDialog::programsHaveAPictureOfTheirOwn()
     QVERIFY(program != cacheKey(QStringLiteral("one/a.txt")));
     QVERIFY(program != cacheKey(QStringLiteral("one")));
 }
-
-Q_DECLARE_METATYPE(Request)
 
 QTEST_MAIN(TestFileDialog)
 #include "tst_filedialog.moc"
