@@ -131,7 +131,8 @@ QWidget *TerminalPage::runInWindow(const QString &command)
     auto *const window = new TerminalWindow(this);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setFont(findGoodFont(fontSize));
-    auto *const session = new TerminalSession(window); // whose program goes with the window
+    auto *const session = new TerminalSession(this);
+    connect(window, &QObject::destroyed, session, &QObject::deleteLater); // and its program
     connect(session, &TerminalSession::failed, this, &WorkbenchPage::failed);
     session->setPseudoTerminal(m_pseudoTerminal->isChecked());
     window->setTerminal(session->terminal());

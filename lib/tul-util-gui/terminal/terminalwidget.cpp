@@ -1,4 +1,3 @@
-#include <tul-util-gui/mdatable/saturated_p.h>
 #include <tul-util-gui/terminal/terminal.h>
 #include <tul-util-gui/terminal/terminalinterpreter_p.h>
 #include <tul-util-gui/terminal/terminalwidget.h>
@@ -19,6 +18,7 @@
 #include <QTextCursor>
 #include <QTextDecoder>
 #include <QTimer>
+#include <QVector>
 
 #include <algorithm>
 #include <deque>
@@ -68,6 +68,7 @@ public:
     TerminalInterpreter interpreter; // keeps the tail of an escape sequence that was cut off
     QTextCursor outputCursor; // where output goes; not that of the user
     QPointer<Terminal> terminal;
+    QVector<QPointer<Terminal>> heard; // that one, and those that it has replaced
     const std::unique_ptr<QTextDecoder> decoder{QTextCodec::codecForLocale()->makeDecoder()};
     QPointer<QMenu> contextMenu; // while it is shown
     QAction *pasteAction = nullptr;
@@ -180,7 +181,14 @@ TerminalWidget::TerminalWidget(Terminal *terminal, QWidget *parent)
     setTerminal(terminal);
 }
 
-TerminalWidget::~TerminalWidget() = default;
+TerminalWidget::~TerminalWidget()
+{
+    // A child of this widget may end a program when the base destructor deletes it.
+    for (const QPointer<Terminal> &terminal : qAsConst(d->heard)) {
+        if (terminal)
+            disconnect(terminal, nullptr, this, nullptr);
+    }
+}
 
 void TerminalWidget::init()
 {
@@ -226,6 +234,9 @@ void TerminalWidget::setTerminal(Terminal *terminal)
     d->terminal = terminal;
     if (!terminal)
         return;
+    d->heard.removeAll(nullptr);
+    if (!d->heard.contains(terminal))
+        d->heard.append(terminal);
     connect(terminal, &Terminal::windowSizeChanged, this, &TerminalWidget::windowSizeChanged);
     connect(terminal, &Terminal::readyRead, this, &TerminalWidget::terminalReadyRead);
     connect(terminal, &Terminal::processStarted, this, &TerminalWidget::processStarted);
@@ -358,11 +369,11 @@ void TerminalWidget::appendMessage(const QString &text)
 void TerminalWidget::removeOldBlocks(bool isFollowing)
 {
     const int tooMany = document()->blockCount() - d->maximumBlockCount;
-    if (d->maximumBlockCount == 0 || tooMany <= 0)
+    if (d->maximumBlockCount == 0 || tooMany <= 0 || !d->layout)
         return;
     QScrollBar *const bar = verticalScrollBar();
     const int value = bar->value();
-    const qreal height = d->layout ? d->layout->blockTop(tooMany) - d->layout->blockTop(0) : 0;
+    const qreal height = d->layout->blockTop(tooMany) - d->layout->blockTop(0);
     QTextCursor old(document());
     old.setPosition(document()->findBlockByNumber(tooMany).position(), QTextCursor::KeepAnchor);
     old.removeSelectedText();

@@ -20,6 +20,15 @@ TerminalWindow::TerminalWindow(Terminal *terminal, QWidget *parent)
     setTerminal(terminal);
 }
 
+TerminalWindow::~TerminalWindow()
+{
+    // A child of this window may end a program when the base destructor deletes it.
+    for (const QPointer<Terminal> &terminal : qAsConst(m_heard)) {
+        if (terminal)
+            disconnect(terminal, nullptr, this, nullptr);
+    }
+}
+
 Terminal *TerminalWindow::terminal() const
 {
     return m_widget->terminal();
@@ -30,6 +39,9 @@ void TerminalWindow::setTerminal(Terminal *terminal)
     m_widget->setTerminal(terminal);
     if (!terminal)
         return;
+    m_heard.removeAll(nullptr);
+    if (!m_heard.contains(terminal))
+        m_heard.append(terminal);
     connect(terminal, &Terminal::processStarted, this, &QWidget::setWindowTitle);
     connect(terminal, &Terminal::processFinished, this, &TerminalWindow::processFinished);
 }

@@ -3,6 +3,8 @@
 #include <tul-util-gui/tul_util_gui_export.h>
 
 #include <QDialog>
+#include <QPointer>
+#include <QVector>
 
 class Terminal;
 class TerminalWidget;
@@ -21,6 +23,7 @@ class TUL_UTIL_GUI_EXPORT TerminalWindow : public QDialog
 public:
     explicit TerminalWindow(QWidget *parent = nullptr);
     explicit TerminalWindow(Terminal *terminal, QWidget *parent = nullptr);
+    ~TerminalWindow() override;
 
     /// The terminal that is shown, or null. As with the widget, one that has been replaced still
     /// reports its starts and finishes.
@@ -32,4 +35,5 @@ private Q_SLOTS:
 
 private:
     TerminalWidget *m_widget;
+    QVector<QPointer<Terminal>> m_heard; // the one that is shown, and those that it has replaced
 };
