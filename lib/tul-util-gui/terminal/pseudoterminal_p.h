@@ -47,14 +47,18 @@ Q_SIGNALS:
 
 private:
     enum class Reading : char { More, Nothing, HungUp };
+    enum class Echo : char { None, Backspace, Blank }; // how much of that of an erasure
 
     Reading readOnce();
+    QByteArray withErasures(const char *data, int length);
     void readSome();
     void writeSome();
 
     int m_master = -1;
     QByteArray m_childName; // the path of the other side
     QByteArray m_unsent;
+    int m_sent = 0; // of these already
+    Echo m_echo = Echo::None; // what was read last; a blank that counts is not passed on yet
     QSocketNotifier *m_readNotifier = nullptr;
     QSocketNotifier *m_writeNotifier = nullptr;
     QString m_error;

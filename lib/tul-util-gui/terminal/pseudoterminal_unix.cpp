@@ -34,14 +34,14 @@ unsigned short cellCount(int count)
         std::clamp<int>(count, 0, std::numeric_limits<unsigned short>::max()));
 }
 
-// Leaves the master open only here: a child that held it would keep its own terminal alive.
+// Leaves the master open only here, even if another thread starts a program meanwhile: a child that
+// held it would keep its own terminal alive.
 int openPseudoMaster()
 {
-    const int master = retried([] { return ::posix_openpt(O_RDWR | O_NOCTTY); });
+    const int master = retried([] { return ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC); });
     if (master == -1)
         return -1;
-    const bool good = ::fcntl(master, F_SETFD, FD_CLOEXEC) == 0
-        && ::fcntl(master, F_SETFL, O_NONBLOCK) == 0 && ::grantpt(master) == 0
+    const bool good = ::fcntl(master, F_SETFL, O_NONBLOCK) == 0 && ::grantpt(master) == 0
         && ::unlockpt(master) == 0;
     if (good)
         return master;
@@ -98,18 +98,20 @@ qint64 PseudoTerminal::write(const char *data, qint64 size)
 
 void PseudoTerminal::writeSome()
 {
-    while (!m_unsent.isEmpty()) {
-        const auto length = static_cast<std::size_t>(m_unsent.size());
+    while (m_sent < m_unsent.size()) {
+        const auto length = static_cast<std::size_t>(m_unsent.size() - m_sent);
         const ssize_t sent
-            = retried([&] { return ::write(m_master, m_unsent.constData(), length); });
-        if (sent == -1 && errno == EAGAIN)
-            break;
-        if (sent == -1)
-            m_unsent.clear(); // nobody is there to read it
-        else
-            m_unsent.remove(0, static_cast<int>(sent));
+            = retried([&] { return ::write(m_master, m_unsent.constData() + m_sent, length); });
+        if (sent == -1 && errno == EAGAIN) {
+            m_writeNotifier->setEnabled(true);
+            return;
+        }
+        // Without anybody to read it, the rest is lost.
+        m_sent = sent == -1 ? m_unsent.size() : m_sent + static_cast<int>(sent);
     }
-    m_writeNotifier->setEnabled(!m_unsent.isEmpty());
+    m_unsent.clear();
+    m_sent = 0;
+    m_writeNotifier->setEnabled(false);
 }
 
 void PseudoTerminal::setSize(int columns, int rows)
@@ -149,17 +151,38 @@ PseudoTerminal::Reading PseudoTerminal::readOnce()
     const ssize_t length = retried([&] { return ::read(m_master, room.data(), room.size()); });
     if (length <= 0)
         return length == -1 && errno == EAGAIN ? Reading::Nothing : Reading::HungUp;
-    QByteArray bytes(room.data(), static_cast<int>(length));
-    // The echo of an erased character.
-    bytes.replace(QByteArrayLiteral("\b \b"), QByteArrayLiteral("\b\x1b[K"));
-    Q_EMIT arrived(bytes);
+    Q_EMIT arrived(withErasures(room.data(), static_cast<int>(length)));
     return Reading::More;
+}
+
+/// Makes an erasure of the backspace, blank and backspace that echo a wiped out character. The
+/// system writes each of them by itself, so that a read may end between them: a blank after a
+/// backspace waits for what follows it.
+QByteArray PseudoTerminal::withErasures(const char *data, int length)
+{
+    QByteArray result;
+    result.reserve(length + 1);
+    for (const char *at = data; at != data + length; ++at) {
+        if (m_echo == Echo::Blank)
+            result += *at == '\b' ? "\x1b[K" : " ";
+        if (*at == '\b') {
+            if (m_echo != Echo::Blank)
+                result += '\b';
+            m_echo = Echo::Backspace;
+        } else if (*at == ' ' && m_echo == Echo::Backspace) {
+            m_echo = Echo::Blank;
+        } else {
+            result += *at;
+            m_echo = Echo::None;
+        }
+    }
+    return result;
 }
 
 void PseudoTerminal::attachChild() const
 {
     ::setsid();
-    const int terminal = ::open(m_childName.constData(), O_RDWR);
+    const int terminal = retried([this] { return ::open(m_childName.constData(), O_RDWR); });
     const bool good = terminal != -1 && ::ioctl(terminal, TIOCSCTTY, 0) == 0
         && ::dup2(terminal, STDIN_FILENO) != -1 && ::dup2(terminal, STDOUT_FILENO) != -1
         && ::dup2(terminal, STDERR_FILENO) != -1;
