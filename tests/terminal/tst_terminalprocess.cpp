@@ -1,8 +1,9 @@
+#include <support/literal.h>
 #include <support/testcase.h>
 #include <tul-util-gui/terminal/terminal.h>
 #include <tul-util-gui/terminal/terminalprocess.h>
 
-#include <QSignalSpy>
+#include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -37,8 +38,7 @@ struct Session {
     QByteArray run(const char *script, const QVector<QPair<QByteArray, QByteArray>> &steps = {})
     {
         log.clear();
-        process->start(QStringLiteral("/bin/sh"),
-                       {QStringLiteral("-c"), QString::fromLatin1(script)});
+        process->start("/bin/sh"_s, {"-c"_s, QString::fromLatin1(script)});
         log.clear();
         for (const auto &step : steps) {
             if (!QTest::qWaitFor([&] { return log.contains(step.first); }))
@@ -80,13 +80,13 @@ void TestTerminalProcess::everyStartIsAnnouncedEvenIfItFails()
         process.waitForFinished();
         return session.log;
     };
-    QCOMPARE(announced([&] { process.start(QStringLiteral("/no/such"), {QStringLiteral("a b")}); }),
+    QCOMPARE(announced([&] { process.start("/no/such"_s, {"a b"_s}); }),
              QByteArray("<\\no\\such  \"a b\">"));
     QCOMPARE(announced([&] { process.start(QString()); }), QByteArray("<>"));
     QCOMPARE(process.error(), QProcess::FailedToStart);
-    QCOMPARE(announced([&] { process.start(QStringLiteral("sh -c  \"exit 3\"")); }),
+    QCOMPARE(announced([&] { process.start("sh -c  \"exit 3\""_s); }),
              QByteArray("<sh -c  \"exit 3\">exit3"));
-    process.setArguments({QStringLiteral("-c"), QStringLiteral("echo x")});
+    process.setArguments({"-c"_s, "echo x"_s});
     QCOMPARE(announced([&] { process.start(); }), QByteArray("<sh  -c \"echo x\">x\nexit0"));
     QCOMPARE(session.run("echo go; read x; echo $x >&2; kill -9 $$", {{"go", "typed\n"}}),
              QByteArray("go\ntyped\ncrash9"));
@@ -95,7 +95,7 @@ void TestTerminalProcess::everyStartIsAnnouncedEvenIfItFails()
 void TestTerminalProcess::scriptsGoToTheCommandInterpreter()
 {
     const QTemporaryDir directory;
-    QFile script(directory.filePath(QStringLiteral("CMD.EXE")));
+    QFile script(directory.filePath("CMD.EXE"_s));
     QVERIFY(script.open(QIODevice::WriteOnly));
     script.write("#!/bin/sh\nprintf '%s|' \"$@\"\n");
     script.close();
@@ -104,11 +104,10 @@ void TestTerminalProcess::scriptsGoToTheCommandInterpreter()
     qputenv("PATH", QFile::encodeName(directory.path()) + ":" + path);
 
     Session session;
-    session.process->startScript(QStringLiteral("dir"));
+    session.process->startScript("dir"_s);
     QTRY_COMPARE(session.log, QByteArray("<CMD.EXE /Q /C \" dir \">/Q|/C| dir |exit0"));
     session.log.clear();
-    session.process->startScript(QStringLiteral("C:/Tools/run.bat"),
-                                 {QStringLiteral("-x"), QStringLiteral("a b")});
+    session.process->startScript("C:/Tools/run.bat"_s, {"-x"_s, "a b"_s});
     QTRY_COMPARE(session.log,
                  QByteArray("<CMD.EXE /Q /C \" C:\\Tools\\run.bat  -x \"a b\" \">"
                             "/Q|/C| C:\\Tools\\run.bat  -x a|b |exit0"));
@@ -118,44 +117,49 @@ void TestTerminalProcess::scriptsGoToTheCommandInterpreter()
 void TestTerminalProcess::laterProcessIsAttachedAndEitherDetaches()
 {
     Session session;
-    auto later = std::make_unique<TerminalProcess>(session.terminal.get());
-    later->start(QStringLiteral("cat"));
+    TerminalProcess later(session.terminal.get());
+    later.start("cat"_s);
     QCOMPARE(session.terminal->write("to the later"), qint64(12));
-    later->closeWriteChannel();
-    QVERIFY(later->waitForFinished());
-    QCOMPARE(later->readAll(), QByteArray("to the later"));
+    later.closeWriteChannel();
+    QVERIFY(later.waitForFinished());
+    QCOMPARE(later.readAll(), QByteArray("to the later"));
     session.process.reset();
     QCOMPARE(session.terminal->write("to nobody"), qint64(0));
-    QCOMPARE(later->terminal(), session.terminal.get());
+    QCOMPARE(later.terminal(), session.terminal.get());
 }
 
 void TestTerminalProcess::anyOrderOfDestructionIsSafe()
 {
-    Session session;
-    session.process->start(QStringLiteral("cat"));
-    announceWarning(
-        QStringLiteral("QProcess: Destroyed while process (\"cat\") is still running."));
-    session.log.clear();
-    session.process.reset();
-    QCOMPARE(session.log, QByteArray()); // the end of a killed process is no news
-    QCOMPARE(session.terminal->write("to nobody"), qint64(0));
+    for (const bool hasPseudoTerminal : {false, true}) {
+        Session session(hasPseudoTerminal);
+        session.process->start("cat"_s);
+        announceWarning("QProcess: Destroyed while process (\"cat\") is still running."_s);
+        session.log.clear();
+        session.process.reset();
+        QCOMPARE(session.log, QByteArray()); // the end of a killed process is no news
+        QCOMPARE(session.terminal->write("to nobody"), qint64(0));
 
-    Session other;
-    other.process->start(QStringLiteral("sleep 0.1"));
-    other.terminal.reset();
-    QVERIFY(!other.process->terminal());
-    QVERIFY(other.process->waitForFinished());
-    other.process->start(QStringLiteral("true"));
-    QVERIFY(other.process->waitForFinished());
+        Session other(hasPseudoTerminal);
+        other.process->start("sleep 0.1"_s);
+        other.terminal.reset();
+        QVERIFY(!other.process->terminal());
+        QVERIFY(other.process->waitForFinished());
+        other.process->start("true"_s);
+        QVERIFY(other.process->waitForFinished());
 
-    Session third;
-    connect(third.terminal.get(), &Terminal::processStarted, this, [&] { third.process.reset(); });
-    third.process->start(QStringLiteral("true"));
-    QVERIFY(!third.process);
+        Session third(hasPseudoTerminal);
+        connect(third.terminal.get(), &Terminal::processStarted, this,
+                [&] { third.process.reset(); });
+        third.process->start("true"_s);
+        QVERIFY(!third.process);
+    }
 }
 
 void TestTerminalProcess::programsInAPseudoTerminalFindATerminal()
 {
+    const auto openFiles = [] { return QDir("/proc/self/fd"_s).count(); };
+    Session(true).run("true"); // what the toolkit opens once
+    const uint before = openFiles();
     Session session(true);
     QCOMPARE(session.opened, Terminal::isPseudoTerminalSupported());
     if (!session.opened)
@@ -172,10 +176,14 @@ void TestTerminalProcess::programsInAPseudoTerminalFindATerminal()
         {"test -t 0 -a -t 1 -a -t 2 && stty size", {}, "12 80\nexit0"},
         {"tty | sed s/[0-9]*$//", {}, "/dev/pts/\nexit0"},
         {"exec cat", {{"", "one\n"}, {"one\r\none", "\3"}}, "one\none\n^Ccrash2"},
+        {"ls -l /proc/$$/fd | grep -c ptmx", {}, "0\nexit1"},
         {"read x; echo $x", {{"", "ab\x7f"}, {"\x1b[K", "c\n"}}, "ab\b\x1b[Kc\nac\nexit0"},
         {"stty raw -echo; echo go; head -c 200000 | tr -d x | wc -c",
          {{"go", QByteArray(199999, 'x') + "y"}},
          "go\n1\nexit0"},
+        {"stty raw -echo; printf '\\b'; sleep .1; printf ' '; sleep .1; printf '\\b \\b \\b x'",
+         {},
+         "\b\x1b[K\x1b[K\x1b[K xexit0"}, // however the reads are cut
         {"seq 20000", {}, numbers + "exit0"},
     };
     for (const Case &row : rows) {
@@ -191,6 +199,8 @@ void TestTerminalProcess::programsInAPseudoTerminalFindATerminal()
     QCOMPARE(session.run("trap 'stty size; exit' WINCH; echo ready; while :; do sleep 0.05; done"),
              QByteArray("ready\n0 65535\nexit0"));
     QCOMPARE(session.run("echo last words; exec sleep 20"), QByteArray("last words\ncrash1"));
+    session.process.reset();
+    QCOMPARE(openFiles(), before);
 }
 
 QTEST_GUILESS_MAIN(TestTerminalProcess)

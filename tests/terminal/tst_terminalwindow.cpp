@@ -1,3 +1,4 @@
+#include <support/literal.h>
 #include <support/testcase.h>
 #include <tul-util-gui/terminal/terminal.h>
 #include <tul-util-gui/terminal/terminalprocess.h>
@@ -5,6 +6,7 @@
 #include <tul-util-gui/terminal/terminalwindow.h>
 
 #include <QLayout>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <memory>
@@ -15,42 +17,38 @@ class TestTerminalWindow : public TestCase
 
 private Q_SLOTS:
     void titleAndSizeFollowTheTerminal();
-    void deletedWindowLeavesTheProcessAlone();
 };
 
 void TestTerminalWindow::titleAndSizeFollowTheTerminal()
 {
-    Terminal terminal;
-    QVERIFY(terminal.openMaster());
-    TerminalWindow window;
-    window.setTerminal(nullptr);
-    window.setTerminal(&terminal);
-    QCOMPARE(window.terminal(), &terminal);
-    TerminalProcess process(&terminal);
-    process.start(QStringLiteral("sh"), {QStringLiteral("-c"), QStringLiteral("exit 2")});
-    QCOMPARE(window.windowTitle(), QStringLiteral("sh  -c \"exit 2\""));
-    QVERIFY(process.waitForFinished());
-    QCOMPARE(window.windowTitle(), QStringLiteral("sh  -c \"exit 2\" [finished]"));
-    for (const QSize cells : {QSize(30, 5), QSize(60, 10)}) {
-        terminal.setWindowSize(cells.width(), cells.height());
-        window.layout()->activate();
-        QCOMPARE(window.size(), window.findChild<TerminalWidget *>()->sizeHint());
-    }
-}
-
-void TestTerminalWindow::deletedWindowLeavesTheProcessAlone()
-{
     auto terminal = std::make_unique<Terminal>();
     QVERIFY(terminal->openMaster());
+    auto window = std::make_unique<TerminalWindow>();
+    window->setTerminal(nullptr);
+    window->setTerminal(terminal.get());
+    QCOMPARE(window->terminal(), terminal.get());
     TerminalProcess process(terminal.get());
-    auto window = std::make_unique<TerminalWindow>(terminal.get());
-    process.start(QStringLiteral("cat"));
+    process.start("sh"_s, {"-c"_s, "exit 2"_s});
+    QCOMPARE(window->windowTitle(), "sh  -c \"exit 2\""_s);
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(window->windowTitle(), "sh  -c \"exit 2\" [finished]"_s);
+    for (const QSize cells : {QSize(30, 5), QSize(60, 10)}) {
+        terminal->setWindowSize(cells.width(), cells.height());
+        window->layout()->activate();
+        QCOMPARE(window->size(), window->findChild<TerminalWidget *>()->sizeHint());
+    }
+
+    // The program of a window that goes may end with it, or run on.
+    process.start("cat"_s);
+    const auto end = [&] { Q_EMIT terminal->processFinished(0, QProcess::NormalExit); };
+    connect(new QObject(window.get()), &QObject::destroyed, terminal.get(), end);
+    QSignalSpy titles(window.get(), &QWidget::windowTitleChanged);
     window.reset();
+    QCOMPARE(titles.size(), 0);
     QCOMPARE(terminal->write("to cat"), qint64(6));
     process.closeWriteChannel();
     QVERIFY(process.waitForFinished());
     QCOMPARE(process.readAll(), QByteArray("to cat"));
-
     const TerminalWindow last(terminal.get());
     terminal.reset();
     QVERIFY(!last.terminal());
