@@ -221,7 +221,7 @@ void TestTerminalWidget::looksScrollsAndSelectsLikeATextEdit()
             Q_EMIT view.terminal.processStarted(started);
             plain.output.insertText(started + QLatin1Char('\n'));
         }
-        for (const int length : {2000, 100, 60, 60, 60, 60, 60, 60}) {
+        for (const int length : {2000, 100, 60}) {
             const QByteArray bytes = randomBytes(random, row.letters, length);
             view.push(bytes);
             plain.push(bytes);
