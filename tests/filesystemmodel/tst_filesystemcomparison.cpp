@@ -11,8 +11,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <memory>
-
 namespace
 {
 
@@ -25,13 +23,12 @@ template<typename Model> QStringList picture(const Model &model, const QString &
     QStringList lines;
     for (int row = 0; row < model.rowCount(parent); ++row) {
         const QModelIndex index = model.index(row, 0, parent);
-        QStringList cells{"\n"_s + index.data().toString()};
-        cells += index.siblingAtColumn(2).data().toString();
-        cells += index.siblingAtColumn(3).data().toString();
-        for (int column = 0; column < 4; ++column) {
-            const QModelIndex cell = index.siblingAtColumn(column);
-            cells += QString::number(int(cell.flags() & ~Qt::ItemNeverHasChildren));
-        }
+        QStringList cells{"\n"_s + index.data().toString(),
+                          index.siblingAtColumn(2).data().toString(),
+                          index.siblingAtColumn(3).data().toString()};
+        for (int column = 0; column < 4; ++column)
+            cells += QString::number(
+                int(index.siblingAtColumn(column).flags() & ~Qt::ItemNeverHasChildren));
         cells += QString::number(qMax(qint64(0), model.size(index)));
         cells += QString::number(index.data(QFileSystemModel::FilePermissions).toInt());
         cells += model.isDir(index) ? "dir"_s : QString();
@@ -40,52 +37,23 @@ template<typename Model> QStringList picture(const Model &model, const QString &
     return lines;
 }
 
-} // namespace
-
-/// The model beside the toolkit's, on the same folder of this machine.
-class tst_FileSystemComparison : public TestCase
+void makeFile(const QString &path, int size, int daysAgo)
 {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void initTestCase();
-    void bothShowTheSame_data();
-    void bothShowTheSame();
-
-private:
-    void make(const QString &name, int size, int daysAgo) const;
-    void changeTheDisk() const;
-    template<typename Model> void prepare(Model &model) const;
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-};
-
-void tst_FileSystemComparison::initTestCase()
-{
-    // One that knows numbers in names.
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-}
-
-void tst_FileSystemComparison::make(const QString &name, int size, int daysAgo) const
-{
-    QFile file(m_folder->filePath(name));
+    QFile file(path);
     QVERIFY(file.open(QIODevice::ReadWrite) && file.resize(size));
-    const QDateTime now = QDateTime::currentDateTime();
-    QVERIFY(file.setFileTime(now.addDays(-daysAgo), QFileDevice::FileModificationTime));
+    const QDateTime time = QDateTime::currentDateTime().addDays(-daysAgo);
+    QVERIFY(file.setFileTime(time, QFileDevice::FileModificationTime));
 }
 
-void tst_FileSystemComparison::changeTheDisk() const
+void changeTheDisk(QDir dir)
 {
-    QDir dir(m_folder->path());
-    QVERIFY(dir.remove("a2.txt"_s));
-    QVERIFY(dir.rename("sub"_s, "moved"_s));
-    QVERIFY(dir.mkdir("added"_s));
-    make("c.cpp"_s, 5000, 10);
-    make("new.txt"_s, 7, 3);
+    QVERIFY(dir.remove("a2.txt"_s) && dir.rename("sub"_s, "moved"_s) && dir.mkdir("added"_s));
+    makeFile(dir.filePath("c.cpp"_s), 5000, 10);
+    makeFile(dir.filePath("new.txt"_s), 7, 3);
     QVERIFY(QFile::setPermissions(dir.filePath("b.h"_s), QFileDevice::ReadOwner));
 }
 
-template<typename Model> void tst_FileSystemComparison::prepare(Model &model) const
+template<typename Model> void prepare(Model &model, const QString &folder)
 {
     QFETCH(int, filters);
     QFETCH(QStringList, names);
@@ -97,9 +65,21 @@ template<typename Model> void tst_FileSystemComparison::prepare(Model &model) co
     model.setNameFilters(names);
     model.setNameFilterDisables(disables);
     model.setReadOnly(descending); // as good as any
-    model.setRootPath(m_folder->path());
+    model.setRootPath(folder);
     model.sort(column, descending ? Qt::DescendingOrder : Qt::AscendingOrder);
 }
+
+} // namespace
+
+/// The model beside the toolkit's, on the same folder of this machine.
+class tst_FileSystemComparison : public TestCase
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void bothShowTheSame_data();
+    void bothShowTheSame();
+};
 
 void tst_FileSystemComparison::bothShowTheSame_data()
 {
@@ -118,12 +98,10 @@ void tst_FileSystemComparison::bothShowTheSame_data()
     };
     row("usual", usual, none);
     row("by name, descending", usual, none, true, 0, true);
-    row("by size", usual, none, true, 1);
-    row("by size, descending", usual, none, true, 1, true);
-    row("by type", usual, none, true, 2);
-    row("by type, descending", usual, none, true, 2, true);
-    row("by date", usual, none, true, 3);
-    row("by date, descending", usual, none, true, 3, true);
+    for (const int column : {1, 2, 3}) {
+        row(qPrintable("by column %1"_s.arg(column)), usual, none, true, column);
+        row(qPrintable("by column %1, descending"_s.arg(column)), usual, none, true, column, true);
+    }
     row("all there is", QDir::AllEntries | QDir::Hidden | QDir::System, none);
     row("no dot", QDir::AllEntries | QDir::Hidden | QDir::NoDot, none);
     row("directories", QDir::Dirs | QDir::NoDotAndDotDot, none);
@@ -138,15 +116,15 @@ void tst_FileSystemComparison::bothShowTheSame_data()
 
 void tst_FileSystemComparison::bothShowTheSame()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    QStringList names{"a10.txt"_s, "a2.txt"_s, "B.TXT"_s, "b.h"_s,          "c.cpp"_s, ".hidden"_s,
-                      "_x"_s,      "ab-c"_s,   "abd"_s,   "\xc3\xa4.txt"_s, "noext"_s, "tool.sh"_s};
-    int number = 0;
-    for (const QString &name : qAsConst(names)) {
-        ++number;
-        make(name, (number * 977) % 3000, (number * 7) % 12 * 10);
-    }
-    const QDir dir(m_folder->path());
+    // A locale that knows numbers in names.
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    const QTemporaryDir folder;
+    const QDir dir(folder.path());
+    const QStringList names{"a10.txt"_s, "a2.txt"_s,       "B.TXT"_s, "b.h"_s,
+                            "c.cpp"_s,   ".hidden"_s,      "_x"_s,    "ab-c"_s,
+                            "abd"_s,     "\xc3\xa4.txt"_s, "noext"_s, "tool.sh"_s};
+    for (int i = 1; i <= names.size(); ++i)
+        makeFile(dir.filePath(names.at(i - 1)), (i * 977) % 3000, (i * 7) % 12 * 10);
     QVERIFY(QFile::setPermissions(dir.filePath("tool.sh"_s), QFileDevice::Permissions(0x7755)));
     for (const char *const sub : {"sub", "Dir10", "dir9", ".cache"})
         QVERIFY(dir.mkdir(QString::fromLatin1(sub)));
@@ -158,13 +136,13 @@ void tst_FileSystemComparison::bothShowTheSame()
     RemoteFileSystemModel ours;
     const QSignalSpy theirsLoaded(&theirs, &QFileSystemModel::directoryLoaded);
     const QSignalSpy oursLoaded(&ours, &RemoteFileSystemModel::directoryLoaded);
-    prepare(theirs);
-    prepare(ours);
+    prepare(theirs, dir.path());
+    prepare(ours, dir.path());
     QTRY_VERIFY(!theirsLoaded.isEmpty() && !oursLoaded.isEmpty());
     QTRY_COMPARE(picture(ours, dir.path()), picture(theirs, dir.path()));
     const QStringList before = picture(theirs, dir.path());
     QVERIFY(!before.isEmpty());
-    changeTheDisk();
+    changeTheDisk(dir);
     QTRY_VERIFY(picture(theirs, dir.path()) != before);
     QTRY_COMPARE(picture(ours, dir.path()), picture(theirs, dir.path()));
 }

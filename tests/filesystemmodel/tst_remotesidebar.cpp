@@ -1,4 +1,5 @@
 #include <support/faultyfolder.h>
+#include <support/literal.h>
 #include <support/testcase.h>
 #include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
 #include <tul-util-gui/filesystemmodel/remotesidebar.h>
@@ -20,19 +21,15 @@
 namespace
 {
 
-QString q(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
 /// A short way to write places: "file:" and "http:..." as they are, others on the remote side.
 QList<QUrl> urlsOf(const char *texts)
 {
     QList<QUrl> urls;
-    for (const QString &text : q(texts).split(QLatin1Char(' '), Qt::SkipEmptyParts))
-        urls.append(text == q("file:") || text.startsWith(q("http:"))
+    for (const QString &text :
+         QString::fromLatin1(texts).split(QLatin1Char(' '), Qt::SkipEmptyParts))
+        urls.append(text == "file:"_s || text.startsWith("http:"_s)
                         ? QUrl(text)
-                        : QUrl::fromLocalFile(q("remote:/") + text));
+                        : QUrl::fromLocalFile("remote:/"_s + text));
     return urls;
 }
 
@@ -48,7 +45,7 @@ public:
     explicit SideBar(const char *places = "file: a gone")
     {
         for (const char *const path : {"a/", "b/", "c/", "file"})
-            far.make(q(path));
+            far.make(QString::fromLatin1(path));
         setFileSystemModel(&files);
         tester = std::make_unique<QAbstractItemModelTester>(urlModel());
         setUrls(urlsOf(places));
@@ -74,7 +71,7 @@ public:
     {
         QTimer::singleShot(0, this, [] {
             auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-            QCOMPARE(menu->actions().constFirst()->text(), q("Remove"));
+            QCOMPARE(menu->actions().constFirst()->text(), "Remove"_s);
             menu->actions().constFirst()->trigger();
             menu->close();
         });
@@ -83,9 +80,7 @@ public:
     }
 };
 
-class Delegate : public RemoteSideBarDelegate
-{
-public:
+struct Delegate : RemoteSideBarDelegate {
     bool isGreyed(const QModelIndex &place) const
     {
         QStyleOptionViewItem option;
@@ -103,9 +98,7 @@ class TestRemoteSidebar : public TestCase
 
 private Q_SLOTS:
     void placesShowWhatTheFileSystemModelKnows();
-    void placesAreAddedAndMovedInOrder_data();
     void placesAreAddedAndMovedInOrder();
-    void onlyDirectoriesCanBeDropped_data();
     void onlyDirectoriesCanBeDropped();
     void placesFollowTheFileSystem();
     void placesOutliveTheFileSystemModel();
@@ -116,7 +109,7 @@ private Q_SLOTS:
 void TestRemoteSidebar::placesShowWhatTheFileSystemModelKnows()
 {
     const SideBar bar;
-    QCOMPARE(bar.names(), bar.files.myComputer().toString() + q(" a gone"));
+    QCOMPARE(bar.names(), bar.files.myComputer().toString() + " a gone"_s);
     QVERIFY(!bar.place(0).data(RemoteUrlModel::EnabledRole).isValid());
     for (int row = 0; row < 3; ++row) {
         QCOMPARE(Delegate().isGreyed(bar.place(row)), row == 2);
@@ -126,91 +119,76 @@ void TestRemoteSidebar::placesShowWhatTheFileSystemModelKnows()
         QVERIFY(row == 0 || icon.actualSize({32, 32}).width() >= 32);
     }
     bar.urlModel()->setShowFullPath(true);
-    QCOMPARE(bar.place(1).data().toString(), q("remote:/a"));
+    QCOMPARE(bar.place(1).data().toString(), "remote:/a"_s);
     bar.urlModel()->setData(bar.place(1), QVariant(), Qt::DecorationRole);
     QVERIFY(!bar.place(1).flags().testFlag(Qt::ItemIsEnabled));
 
     QUrl hostUrl; // as the URL of "//usr" is, which is no level of drives
-    hostUrl.setScheme(q("file"));
-    hostUrl.setHost(q("usr"));
+    hostUrl.setScheme("file"_s);
+    hostUrl.setHost("usr"_s);
     bar.urlModel()->setUrls({hostUrl});
-    QCOMPARE(bar.urls(), QList<QUrl>{QUrl::fromLocalFile(q("/usr"))});
-}
-
-void TestRemoteSidebar::placesAreAddedAndMovedInOrder_data()
-{
-    QTest::addColumn<int>("row");
-    QTest::addColumn<bool>("move");
-    QTest::addColumn<QString>("names");
-
-    QTest::newRow("x y") << -1 << true << q("a b c x y");
-    QTest::newRow("x y ") << 0 << true << q("x y a b c");
-    QTest::newRow("x") << 99 << true << q("a b c x");
-    QTest::newRow("a") << 3 << true << q("b c a");
-    QTest::newRow("c/") << 0 << true << q("c a b");
-    QTest::newRow("b") << 1 << true << q("a b c");
-    QTest::newRow("c x") << 0 << false << q("x a b c");
-    QTest::newRow("x x/ y") << -1 << true << q("a b c x y");
-    QTest::newRow("http://x/y x ") << -1 << true << q("a b c x");
+    QCOMPARE(bar.urls(), QList<QUrl>{QUrl::fromLocalFile("/usr"_s)});
 }
 
 void TestRemoteSidebar::placesAreAddedAndMovedInOrder()
 {
-    QFETCH(int, row);
-    QFETCH(bool, move);
-
-    SideBar bar("a b c");
-    bar.urlModel()->addUrls(urlsOf(QTest::currentDataTag()), row, move);
-    QTEST(bar.names(), "names");
-}
-
-void TestRemoteSidebar::onlyDirectoriesCanBeDropped_data()
-{
-    QTest::addColumn<bool>("taken");
-
-    QTest::newRow("a b") << true;
-    QTest::newRow("file:") << true;
-    QTest::newRow("a file") << false;
-    QTest::newRow("gone") << false;
-    QTest::newRow("http://x/y") << false;
-    QTest::newRow("") << false; // a text, no URLs
+    const struct {
+        const char *added;
+        int row;
+        bool move;
+        QString names;
+    } cases[] = {{"x y", -1, true, "a b c x y"_s},
+                 {"x y", 0, true, "x y a b c"_s},
+                 {"x", 99, true, "a b c x"_s},
+                 {"a", 3, true, "b c a"_s},
+                 {"c/", 0, true, "c a b"_s},
+                 {"b", 1, true, "a b c"_s},
+                 {"c x", 0, false, "x a b c"_s},
+                 {"x x/ y", -1, true, "a b c x y"_s},
+                 {"http://x/y x", -1, true, "a b c x"_s}};
+    for (const auto &each : cases) {
+        const SideBar bar("a b c");
+        bar.urlModel()->addUrls(urlsOf(each.added), each.row, each.move);
+        QCOMPARE(bar.names(), each.names);
+    }
 }
 
 void TestRemoteSidebar::onlyDirectoriesCanBeDropped()
 {
     SideBar bar;
-    QMimeData data;
-    const QList<QUrl> urls = urlsOf(QTest::currentDataTag());
-    data.setText(q("text"));
-    if (!urls.isEmpty())
-        data.setUrls(urls);
-    for (const QDir::Filters filter : {bar.files.filter(), QDir::Filters(QDir::Dirs)}) {
-        bar.files.setFilter(filter); // a file that is hidden is a file all the same
-        QDragEnterEvent event(bar.at(0), Qt::CopyAction, &data, Qt::LeftButton, {});
-        bar.dragEnterEvent(&event);
-        QTEST(event.isAccepted(), "taken");
+    // The last one is a text without URLs.
+    for (const char *const dragged : {"a b", "file:", "a file", "gone", "http://x/y", ""}) {
+        QMimeData data;
+        const QList<QUrl> urls = urlsOf(dragged);
+        data.setText("text"_s);
+        if (!urls.isEmpty())
+            data.setUrls(urls);
+        for (const QDir::Filters filter : {bar.files.filter(), QDir::Filters(QDir::Dirs)}) {
+            bar.files.setFilter(filter); // a file that is hidden is a file all the same
+            QDragEnterEvent event(bar.at(0), Qt::CopyAction, &data, Qt::LeftButton, {});
+            bar.dragEnterEvent(&event);
+            QCOMPARE(event.isAccepted(), urls == urlsOf("a b") || urls == urlsOf("file:"));
+        }
+        QCOMPARE(bar.urlModel()->dropMimeData(&data, Qt::CopyAction, 0, 0, {}), !urls.isEmpty());
     }
-    QCOMPARE(bar.urlModel()->dropMimeData(&data, Qt::CopyAction, 0, 0, {}), !urls.isEmpty());
-
     bar.setUrls(urlsOf("a file: b"));
-    const std::unique_ptr<QMimeData> dragged(
-        bar.urlModel()->mimeData({bar.place(2), bar.place(0)}));
-    QCOMPARE(dragged->urls(), urlsOf("a b"));
+    const std::unique_ptr<QMimeData> data(bar.urlModel()->mimeData({bar.place(2), bar.place(0)}));
+    QCOMPARE(data->urls(), urlsOf("a b"));
     QVERIFY(!bar.urlModel()->supportedDragActions().testFlag(Qt::MoveAction));
 }
 
 void TestRemoteSidebar::placesFollowTheFileSystem()
 {
     SideBar bar("a new/deep");
-    bar.files.setRootPath(q("remote:"));
+    bar.files.setRootPath("remote:"_s);
     QVERIFY(bar.exists(0) && !bar.exists(1));
-    QVERIFY(QDir(bar.far.local()).rmdir(q("a")) && bar.far.make(q("new/deep/")));
-    bar.files.refresh(bar.files.index(q("remote:")));
+    QVERIFY(QDir(bar.far.local()).rmdir("a"_s) && bar.far.make("new/deep/"_s));
+    bar.files.refresh(bar.files.index("remote:"_s));
     QTRY_VERIFY(!bar.exists(0) && bar.exists(1));
     bar.files.setReadOnly(false);
-    QVERIFY(bar.files.setData(bar.files.index(q("remote:/new")), q("old")));
+    QVERIFY(bar.files.setData(bar.files.index("remote:/new"_s), "old"_s));
     QTRY_VERIFY(!bar.exists(1));
-    QCOMPARE(bar.names(), q("a deep"));
+    QCOMPARE(bar.names(), "a deep"_s);
 }
 
 void TestRemoteSidebar::placesOutliveTheFileSystemModel()
@@ -223,7 +201,7 @@ void TestRemoteSidebar::placesOutliveTheFileSystemModel()
     }
     bar.urlModel()->refresh();
     bar.addUrls(urlsOf("a"));
-    QCOMPARE(bar.urls(), QList<QUrl>({QUrl(q("file:")), QUrl::fromLocalFile(QDir::homePath())}));
+    QCOMPARE(bar.urls(), QList<QUrl>({QUrl("file:"_s), QUrl::fromLocalFile(QDir::homePath())}));
     const QSize frame(2 * bar.frameWidth(), 2 * bar.frameWidth());
     QCOMPARE(bar.sizeHint(), bar.sizeHintForIndex(bar.model()->index(0, 0)) + frame);
     bar.setUrls({});

@@ -43,6 +43,7 @@ struct FileNode {
     bool hasInfo = false;
     bool populatedChildren = false; ///< the children were requested
     bool bypassesFilters = false; ///< is shown in any case, because its path was asked for
+    bool isOwn = false; ///< put here by the model; a listing that began before may not have it
     bool isListed = false; ///< scratch: is in the list of names that has come
     bool isRemoved = false; ///< waits for its deletion
 };

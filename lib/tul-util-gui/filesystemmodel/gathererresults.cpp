@@ -1,6 +1,6 @@
 #include "gathererresults_p.h"
 
-#include "filesystempaths_p.h"
+#include "fileoperations_p.h"
 #include "remotefilesystemmodel_p.h"
 
 #include <QElapsedTimer>
@@ -45,6 +45,7 @@ struct GathererResults::Changes {
     std::vector<FileNode *> vanishing;
     std::vector<FileNode *> removed; // among them such without rows
     std::vector<FileNode *> changed;
+    std::vector<std::pair<FileNode *, QFileInfo>> replaced; // were directories with children
     bool changesKind = false; // of some: a file has become a directory or the other way round
 };
 
@@ -115,16 +116,19 @@ void GathererResults::applyList(const QString &directory, const QStringList &nam
     if (!parent || parent == m_model.tree.root() || !parent->directory)
         return;
     for (const QString &name : names) {
-        if (FileNode *const node = FileTree::find(parent, name))
+        if (FileNode *const node = FileTree::find(parent, name)) {
             node->isListed = true;
+            node->isOwn = false;
+        }
     }
     std::vector<FileNode *> missing;
     for (FileNode *const node : parent->directory->children) {
         if (std::exchange(node->isListed, false))
             continue;
-        // What was asked for by its path may exist without being listed.
-        if (!node->bypassesFilters
-            || !QFileInfo::exists(RemoteFileSystemModelPrivate::requestPath(node)))
+        // What was asked for by its path may exist without being listed, and what the model has
+        // made may be younger than the listing.
+        const bool mayExist = node->bypassesFilters || node->isOwn;
+        if (!mayExist || !tul::isTaken(RemoteFileSystemModelPrivate::requestPath(node)))
             missing.push_back(node);
     }
     m_model.removeNodes(parent, missing);
@@ -178,6 +182,15 @@ void GathererResults::applyFile(FileNode *parent, const QString &reportedName,
             changes.appearing.push_back(node);
         return;
     }
+    if (node->directory && node->isDirectory() && !info.isDir())
+        changes.replaced.emplace_back(node, info);
+    else
+        updateNode(node, info, changes);
+}
+
+/// Takes over what is known now of a file that was known before.
+void GathererResults::updateNode(FileNode *node, const QFileInfo &info, Changes &changes)
+{
     const bool isChanged
         = !isSame(RemoteExtendedInformation(node->info), RemoteExtendedInformation(info));
     if (node->isDirectory() != info.isDir())
@@ -195,8 +208,15 @@ void GathererResults::applyFile(FileNode *parent, const QString &reportedName,
         changes.changed.push_back(node);
 }
 
-void GathererResults::announce(FileNode *parent, const Changes &changes)
+void GathererResults::announce(FileNode *parent, Changes &changes)
 {
+    // A file has no rows: they go while it still passes for a directory.
+    for (const auto &[node, info] : changes.replaced) {
+        m_model.removeNodes(node, FileTree::children(node));
+        node->populatedChildren = false;
+        if (!node->isRemoved)
+            updateNode(node, info, changes);
+    }
     if (!changes.removed.empty())
         m_model.removeNodes(parent, changes.removed);
     if (!changes.vanishing.empty())

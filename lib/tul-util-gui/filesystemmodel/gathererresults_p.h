@@ -53,7 +53,8 @@ private:
     void applyList(const QString &directory, const QStringList &names);
     void applyUpdates(Result &result, const QElapsedTimer &sliceTime);
     void applyFile(FileNode *parent, const QString &name, const QFileInfo &info, Changes &changes);
-    void announce(FileNode *parent, const Changes &changes);
+    void updateNode(FileNode *node, const QFileInfo &info, Changes &changes);
+    void announce(FileNode *parent, Changes &changes);
 
     RemoteFileSystemModelPrivate &m_model;
     std::deque<Result> m_results;

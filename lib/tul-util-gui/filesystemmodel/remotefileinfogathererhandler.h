@@ -23,6 +23,6 @@ public:
 
     /// Makes the gatherer of a model that is being built; `model` is to be its parent and can do no
     /// more than that yet. Null makes the model use a plain RemoteFileInfoGatherer. A gatherer with
-    /// another parent is stopped with the model, but stays with its owner.
+    /// another parent must outlive the model; it is stopped with it, but stays with its owner.
     virtual RemoteFileInfoGatherer *createGatherer(QObject *model) = 0;
 };

@@ -259,6 +259,9 @@ void RemoteFileSystemModelPrivate::hideNodes(FileNode *parent, const Nodes &node
                     rows.push_back(node);
             }
             FileTree::setRows(parent, std::move(rows));
+            // The first row out of order may be another one now.
+            int &dirty = parent->directory->dirtyChildrenIndex;
+            dirty = std::min(dirty, ranges.front().first);
         });
         return;
     }
@@ -276,9 +279,23 @@ void RemoteFileSystemModelPrivate::removeNodes(FileNode *parent, const Nodes &no
     const FileTree::Keeper keeper(tree);
     hideNodes(parent, nodes);
     for (FileNode *const node : nodes) {
-        if (!node->isRemoved)
-            tree.remove(node);
+        if (node->isRemoved)
+            continue;
+        unwatch(node);
+        tree.remove(node);
     }
+}
+
+/// For a directory and all below it. Of one that was moved away the watch would stay, and keep from
+/// being watched what comes to its path later.
+void RemoteFileSystemModelPrivate::unwatch(const FileNode *node)
+{
+    if (node->populatedChildren)
+        gatherer->removePath(requestPath(node));
+    if (!node->directory)
+        return;
+    for (const FileNode *const child : node->directory->children)
+        unwatch(child);
 }
 
 void RemoteFileSystemModelPrivate::announceChanged(FileNode *parent, const Nodes &nodes,
@@ -438,10 +455,9 @@ QModelIndex RemoteFileSystemModelPrivate::makeDirectory(FileNode *parent, const 
     if (name.contains(QLatin1Char('/')))
         return q->index(path);
     FileNode *made = FileTree::find(parent, name);
-    if (made)
-        made->setInfo(QFileInfo(path));
-    else
+    if (!made)
         made = FileTree::add(parent, name, QFileInfo(path));
+    adopt(made, QFileInfo(path));
     showNodes(parent, {made});
     return made->isRemoved ? QModelIndex() : index(made);
 }
@@ -455,13 +471,17 @@ bool RemoteFileSystemModelPrivate::removeDirectory(const FileNode *node)
     const bool isRemoved = tul::removeDirectory(path);
     if (isRemoved)
         list(node->parent);
+    else
+        listPath(path); // is watched again
     return isRemoved;
 }
 
 bool RemoteFileSystemModelPrivate::removeTree(const FileNode *node)
 {
-    if (!node->parent)
-        return false;
+    const bool isDots
+        = node->fileName == QLatin1String(".") || node->fileName == QLatin1String("..");
+    if (!node->parent || isDots)
+        return false; // the directory that is shown, or more, and not an entry of it
     const QString path = requestPath(node);
     gatherer->removePath(path);
     const tul::RemovedTree removed = tul::removeTree(path);
@@ -490,10 +510,20 @@ void RemoteFileSystemModelPrivate::adoptNewName(FileNode *node, const QString &n
     if (node->isRemoved)
         return;
     FileTree::rename(node, newName);
-    node->setInfo(QFileInfo(QDir(requestPath(parent)), newName));
+    adopt(node, QFileInfo(QDir(requestPath(parent)), newName));
+    if (!parent->isRemoved)
+        list(parent); // a listing under way may bring the old name
+}
+
+/// Makes a node that of a file or directory which the model itself has put on the disk.
+void RemoteFileSystemModelPrivate::adopt(FileNode *node, const QFileInfo &info)
+{
+    removeNodes(node, FileTree::children(node)); // of one that was there before
+    node->setInfo(info);
+    node->isOwn = true;
+    if (node->isRemoved)
+        return;
     if (std::exchange(node->populatedChildren, false))
         list(node);
-    tree.markDirty(parent, std::max(node->row, 0));
-    parent->directory->sorted = {};
-    announceChanged(parent, {node}, true);
+    announceChanged(node->parent, {node}, true);
 }

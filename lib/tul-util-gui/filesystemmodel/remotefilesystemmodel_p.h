@@ -76,6 +76,7 @@ public:
     bool removeDirectory(const FileNode *node);
     bool removeTree(const FileNode *node);
     void adoptNewName(FileNode *node, const QString &newName);
+    void adopt(FileNode *node, const QFileInfo &info);
 
     RemoteFileSystemModel *const q;
     FileTree tree;
@@ -96,6 +97,7 @@ public:
 private:
     RemoteFileInfoGatherer *makeGatherer() const;
     FileNode *child(FileNode *parent, const QString &name, const QString &path, bool fetch);
+    void unwatch(const FileNode *node);
     NodeSorter sorter();
     Nodes directories() const;
     Nodes acceptedRows(const FileNode *directory) const;

@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include <deque>
+#include <utility>
 
 /// The waiting requests of a gatherer, first in, first out. Without a lock of its own.
 class RequestQueue
@@ -34,7 +35,7 @@ public:
     /// The oldest request; there must be one.
     Request take()
     {
-        Request oldest = m_requests.front();
+        Request oldest = std::move(m_requests.front());
         m_requests.pop_front();
         return oldest;
     }
