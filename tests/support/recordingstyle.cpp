@@ -53,3 +53,10 @@ int RecordingStyle::styleHint(StyleHint hint, const QStyleOption *option, const 
     return hints.contains(hint) ? hints.value(hint)
                                 : QProxyStyle::styleHint(hint, option, widget, returned);
 }
+
+int RecordingStyle::pixelMetric(PixelMetric metric, const QStyleOption *option,
+                                const QWidget *widget) const
+{
+    return metrics.contains(metric) ? metrics.value(metric)
+                                    : QProxyStyle::pixelMetric(metric, option, widget);
+}

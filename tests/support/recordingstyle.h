@@ -6,8 +6,8 @@
 #include <QStyleOptionHeader>
 #include <QVector>
 
-/// The Fusion style that records what it is asked to draw, with hints to choose. A widget does
-/// not take it over: it must outlive the widget.
+/// The Fusion style that records what it is asked to draw, with hints and metrics to choose. A
+/// widget does not take it over: it must outlive the widget.
 class RecordingStyle : public QProxyStyle
 {
     Q_OBJECT
@@ -34,6 +34,7 @@ public:
 
     bool onlyRecords = false; ///< primitives and controls leave no pixels
     QHash<int, int> hints; ///< by StyleHint; the others are those of Fusion
+    QHash<int, int> metrics; ///< by PixelMetric, likewise
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                        const QWidget *widget) const override;
@@ -41,6 +42,8 @@ public:
                      const QWidget *widget) const override;
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                   QStyleHintReturn *returned) const override;
+    int pixelMetric(PixelMetric metric, const QStyleOption *option,
+                    const QWidget *widget) const override;
 
 private:
     static QVector<Drawn> take(QVector<Drawn> &all, int element);

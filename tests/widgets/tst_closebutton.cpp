@@ -10,53 +10,53 @@ class TestCloseButton : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void styleIsToldTheState_data();
     void styleIsToldTheState();
-    void onlyAnEnabledButtonIsRepaintedUnderTheMouse();
-    void mouseClosesWithoutTakingTheFocus();
+    void mouseRepaintsAnEnabledButtonAndClosesWithoutTakingTheFocus();
 };
-
-void TestCloseButton::styleIsToldTheState_data()
-{
-    QTest::addColumn<int>("expected"); // besides AutoRaise and Selected
-    QTest::newRow("plain") << int(QStyle::State_None);
-    QTest::newRow("hover") << int(QStyle::State_Raised);
-    QTest::newRow("hover disabled") << int(QStyle::State_None);
-    QTest::newRow("hover checked") << int(QStyle::State_On);
-    QTest::newRow("hover down") << int(QStyle::State_Sunken);
-    QTest::newRow("down checked") << int(QStyle::State_Sunken | QStyle::State_On);
-}
 
 void TestCloseButton::styleIsToldTheState()
 {
-    const QString state = QString::fromLatin1(QTest::currentDataTag());
-    QFETCH(const int, expected);
-    RecordingStyle style;
-    CloseButton button;
-    button.setStyle(&style);
-    button.setCheckable(true);
-    button.setAttribute(Qt::WA_UnderMouse, state.contains(QLatin1String("hover")));
-    button.setDown(state.contains(QLatin1String("down")));
-    button.setChecked(state.contains(QLatin1String("checked")));
-    button.setDisabled(state.contains(QLatin1String("disabled")));
-    button.grab();
-    const auto crosses = style.takePrimitives(QStyle::PE_IndicatorTabClose);
-    QCOMPARE(crosses.size(), 1);
-    const QStyle::State asked = QStyle::State_AutoRaise | QStyle::State_Raised | QStyle::State_On
-        | QStyle::State_Sunken | QStyle::State_Selected;
-    QCOMPARE(crosses.first().state & asked,
-             QStyle::State(expected) | QStyle::State_AutoRaise | QStyle::State_Selected);
+    const struct {
+        bool hover, down, checked, disabled;
+        QStyle::State told; // besides AutoRaise and Selected
+    } rows[] = {{false, false, false, false, QStyle::State_None},
+                {true, false, false, false, QStyle::State_Raised},
+                {true, false, false, true, QStyle::State_None},
+                {true, false, true, false, QStyle::State_On},
+                {true, true, false, false, QStyle::State_Sunken},
+                {false, true, true, false, QStyle::State_Sunken | QStyle::State_On}};
+    for (const auto &row : rows) {
+        RecordingStyle style;
+        CloseButton button;
+        button.setStyle(&style);
+        button.setCheckable(true);
+        button.setAttribute(Qt::WA_UnderMouse, row.hover);
+        button.setDown(row.down);
+        button.setChecked(row.checked);
+        button.setDisabled(row.disabled);
+        button.grab();
+        const auto always = QStyle::State_AutoRaise | QStyle::State_Selected;
+        const auto asked = always | QStyle::State_Raised | QStyle::State_On | QStyle::State_Sunken;
+        const auto crosses = style.takePrimitives(QStyle::PE_IndicatorTabClose);
+        QCOMPARE(crosses.size(), 1);
+        QCOMPARE(crosses.first().state & asked, row.told | always);
+    }
 }
 
-void TestCloseButton::onlyAnEnabledButtonIsRepaintedUnderTheMouse()
+void TestCloseButton::mouseRepaintsAnEnabledButtonAndClosesWithoutTakingTheFocus()
 {
     RecordingStyle style;
     QWidget window;
     CloseButton button(&window);
+    QCOMPARE(button.size(),
+             QSize(button.style()->pixelMetric(QStyle::PM_TabCloseIndicatorWidth),
+                   button.style()->pixelMetric(QStyle::PM_TabCloseIndicatorHeight)));
+    QCOMPARE(button.focusPolicy(), Qt::NoFocus);
+    QCOMPARE(button.accessibleName(), QStringLiteral("Close"));
     button.setStyle(&style);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    for (const bool enabled : {true, false}) {
+    for (const bool enabled : {false, true}) {
         button.setEnabled(enabled);
         for (const QEvent::Type type : {QEvent::Enter, QEvent::Leave}) {
             button.setAttribute(Qt::WA_Hover, false); // the style's own reason to repaint
@@ -68,20 +68,7 @@ void TestCloseButton::onlyAnEnabledButtonIsRepaintedUnderTheMouse()
             QCOMPARE(style.takePrimitives(QStyle::PE_IndicatorTabClose).size(), enabled ? 1 : 0);
         }
     }
-}
-
-void TestCloseButton::mouseClosesWithoutTakingTheFocus()
-{
-    QWidget window;
-    CloseButton button(&window);
-    QObject::connect(&button, &QAbstractButton::clicked, &window, &QWidget::close);
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-    QCOMPARE(button.size(),
-             QSize(button.style()->pixelMetric(QStyle::PM_TabCloseIndicatorWidth),
-                   button.style()->pixelMetric(QStyle::PM_TabCloseIndicatorHeight)));
-    QCOMPARE(button.focusPolicy(), Qt::NoFocus);
-    QCOMPARE(button.accessibleName(), QStringLiteral("Close"));
+    connect(&button, &QAbstractButton::clicked, &window, &QWidget::close);
     QTest::mouseClick(&button, Qt::LeftButton);
     QVERIFY(!window.isVisible());
 }

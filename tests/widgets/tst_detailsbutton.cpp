@@ -24,36 +24,40 @@ private Q_SLOTS:
 
 void TestDetailsButton::textAndHintFollowTheTextsThatAreSet()
 {
-    struct Case {
+    const struct {
         const char *collapsed, *expanded; // a checkable button is checked with a second text
         bool checkable;
         const char *text, *widest;
-    };
-    for (const Case &row :
-         {Case{"", "", false, "Details...", "Details..."}, Case{"", "", true, "Details", "Details"},
-          Case{"Show", "Hide it", false, "Show", "Hide it"},
-          Case{"Show", "", true, "Show...", "Show"},
-          Case{"Show me", "Hide", true, "Hide...", "Show me"}}) {
+    } rows[] = {{"", "", false, "Details...", "Details..."},
+                {"", "", true, "Details", "Details"},
+                {"Show", "Hide it", false, "Show", "Hide it"},
+                {"Show", "", true, "Show...", "Show"},
+                {"Show me", "Hide", true, "Hide...", "Show me"}};
+    const auto words = [](const char *text) { return QString::fromLatin1(text); };
+    for (const auto &row : rows) {
         DetailsButton button;
         button.setCheckable(row.checkable);
         button.setChecked(*row.expanded);
-        button.setDetailButtonText(QString::fromLatin1(row.collapsed),
-                                   QString::fromLatin1(row.expanded));
-        QCOMPARE(button.detailButtonText(), QString::fromLatin1(row.text));
+        button.setDetailButtonText(words(row.collapsed), words(row.expanded));
+        QCOMPARE(button.detailButtonText(), words(row.text));
+        const int width = button.fontMetrics().horizontalAdvance(words(row.widest));
+        QCOMPARE(button.sizeHint(), QSize(width + 32, 22));
         auto *const reader = QAccessible::queryAccessibleInterface(&button);
-        QCOMPARE(reader->text(QAccessible::Name), button.detailButtonText());
+        QCOMPARE(reader->text(QAccessible::Name), words(row.text));
         QCOMPARE(bool(reader->state().expandable), row.checkable);
         QCOMPARE(bool(reader->state().expanded), button.isChecked());
         reader->actionInterface()->doAction(reader->actionInterface()->actionNames().at(0));
         QCOMPARE(bool(reader->state().collapsed), row.checkable && !button.isChecked());
-        const int width = button.fontMetrics().horizontalAdvance(QString::fromLatin1(row.widest));
-        QCOMPARE(button.sizeHint(), QSize(width + 32, 22));
     }
 }
 
 void TestDetailsButton::picturePutsTheStatesOverEachOther()
 {
     QCOMPARE(tul::blended(QColor(255, 255, 255, 140), QColor(10, 100, 255)), QColor(144, 185, 255));
+    // Seen over the background: a layer of one grey after the other.
+    const auto over = [](int grey, int alpha, int under) {
+        return (grey * alpha + under * (255 - alpha)) / 255;
+    };
     for (int flags = 0; flags < 64; ++flags) {
         tul::DetailsButtonLook look;
         look.size = QSize(101, 41);
@@ -70,13 +74,8 @@ void TestDetailsButton::picturePutsTheStatesOverEachOther()
         look.highlight = 90;
         const QImage image = tul::renderDetailsButton(look);
         QCOMPARE(image.size(), QSize(202, 82));
-
-        // Seen over the background: a layer of one grey after the other.
-        const auto over = [](int grey, int alpha, int under) {
-            return (grey * alpha + under * (255 - alpha)) / 255;
-        };
-        const auto seen = [&](int x, int y) {
-            const QColor pixel = image.pixelColor(x, y);
+        const auto seen = [&](int x) {
+            const QColor pixel = image.pixelColor(x, 40);
             return over(pixel.red(), pixel.alpha(), 60);
         };
         const int hovered = look.hover ? over(255, 90, 60) : 60;
@@ -84,9 +83,9 @@ void TestDetailsButton::picturePutsTheStatesOverEachOther()
         const int under = look.translucent ? pressed : hovered; // opaque panels hide the press
         const int panel = look.checked ? over(255, 25, under) : over(0, 13, under);
         const int centre = look.gradient ? panel : pressed;
-        QVERIFY2(std::abs(seen(101, 40) - centre) <= 2, qPrintable(QString::number(flags)));
-        QVERIFY(seen(0, 40) < seen(3, 40)); // dark line and light frame at the left
-        QCOMPARE(std::abs(seen(175, 40) - centre) > 20, look.arrow);
+        QVERIFY2(std::abs(seen(101) - centre) <= 2, qPrintable(QString::number(flags)));
+        QVERIFY(seen(0) < seen(3)); // dark line and light frame at the left
+        QCOMPARE(std::abs(seen(175) - centre) > 20, look.arrow);
     }
 }
 

@@ -1,6 +1,7 @@
 #include <support/recordingstyle.h>
 #include <support/testcase.h>
 #include <tul-util-gui/widgets/flatbutton.h>
+#include <tul-util-gui/widgets/flatcolours_p.h>
 
 #include <QAction>
 #include <QImage>
@@ -13,7 +14,7 @@ namespace
 
 const QColor background(Qt::white);
 
-/// 60 x 30 pixels, with a colour each, drawn by a style that leaves no pixels.
+/// 60 x 30 pixels, drawn by a style that leaves no pixels.
 struct Fixture {
     RecordingStyle style;
     FlatButton button;
@@ -26,6 +27,7 @@ struct Fixture {
         QPalette palette;
         palette.setColor(QPalette::Window, background);
         button.setPalette(palette);
+        button.setCheckable(true);
     }
 
     void setColours()
@@ -48,63 +50,87 @@ class TestFlatButton : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void stateIsShownByItsColourAndTheRule_data();
+    void faceFollowsTheStateWhicheverColoursAreSet();
     void stateIsShownByItsColourAndTheRule();
     void unsetColoursLeaveOnlyLabelAndFocusFrame();
     void ruleEndsAtTheWidthOfTheButtonArea();
     void clicksAreTheOwnersToAnswer();
-    void settersStoreWithoutRepainting();
 };
 
-void TestFlatButton::stateIsShownByItsColourAndTheRule_data()
+void TestFlatButton::faceFollowsTheStateWhicheverColoursAreSet()
 {
-    QTest::addColumn<QColor>("fill");
-    QTest::addColumn<bool>("hasRule");
-    QTest::addColumn<int>("shift");
-    QTest::newRow("raised") << QColor(Qt::yellow) << false << 0;
-    QTest::newRow("hover down") << QColor(Qt::magenta) << true << 1;
-    QTest::newRow("down") << QColor(Qt::darkGreen) << true << 0;
-    QTest::newRow("hover down checked") << QColor(Qt::darkGreen) << true << 0;
-    QTest::newRow("disabled") << QColor(Qt::gray) << false << 0;
+    const struct {
+        int state; // bits: Enabled, On, MouseOver, Sunken
+        // The colours that are tried one after the other: Pressed, Sunken, Disabled, Hover, Raised.
+        // The last one counts even when it is unset.
+        QByteArray colours;
+        bool hasRule;
+    } rows[]
+        = {{0b0000, "DR", false}, {0b0001, "R", false}, {0b0010, "S", true}, {0b0011, "S", true},
+           {0b0100, "DR", false}, {0b0101, "HR", true}, {0b0110, "S", true}, {0b0111, "S", true},
+           {0b1000, "S", true},   {0b1001, "S", true},  {0b1010, "S", true}, {0b1011, "S", true},
+           {0b1100, "PS", true},  {0b1101, "PS", true}, {0b1110, "S", true}, {0b1111, "S", true}};
+    for (const auto &row : rows) {
+        QStyle::State state = QStyle::State_Raised | QStyle::State_HasFocus; // do not matter
+        const QStyle::StateFlag flags[] = {QStyle::State_Enabled, QStyle::State_On,
+                                           QStyle::State_MouseOver, QStyle::State_Sunken};
+        for (int bit = 0; bit < 4; ++bit)
+            state.setFlag(flags[bit], row.state & (1 << bit));
+        for (int set = 0; set < 32; ++set) {
+            const auto colour = [&](char letter) {
+                const int i = QByteArray("PSDHR").indexOf(letter);
+                return set & (1 << i) ? QColor(i + 1, 0, 0) : QColor();
+            };
+            const tul::FlatColours all{colour('S'), colour('R'), colour('H'),
+                                       colour('P'), colour('D'), QColor()};
+            const QColor first = colour(row.colours.front());
+            const tul::FlatFace face = tul::flatFace(all, state);
+            QCOMPARE(face.fill, first.isValid() ? first : colour(row.colours.back()));
+            QCOMPARE(face.hasRule, row.hasRule);
+        }
+    }
 }
 
 void TestFlatButton::stateIsShownByItsColourAndTheRule()
 {
-    const QString state = QString::fromLatin1(QTest::currentDataTag());
-    QFETCH(const QColor, fill);
-    QFETCH(const bool, hasRule);
-    QFETCH(const int, shift);
-    Fixture fixture;
-    fixture.setColours();
-    FlatButton &button = fixture.button;
-    button.setCheckable(true);
-    button.setAttribute(Qt::WA_UnderMouse, state.contains(QLatin1String("hover")));
-    button.setDown(state.contains(QLatin1String("down")));
-    button.setChecked(state.contains(QLatin1String("checked")));
-    button.setDisabled(state.contains(QLatin1String("disabled")));
+    const struct {
+        bool hover, down, checked, enabled;
+        QColor fill, rule; // the same where there is no rule
+        int shift;
+    } rows[] = {{false, false, false, true, Qt::yellow, Qt::yellow, 0},
+                {false, false, false, false, Qt::gray, Qt::gray, 0},
+                {true, true, false, true, Qt::magenta, Qt::red, 1},
+                {false, true, false, true, Qt::darkGreen, Qt::red, 0},
+                {true, true, true, true, Qt::darkGreen, Qt::red, 0}};
+    for (const auto &row : rows) {
+        Fixture fixture;
+        fixture.setColours();
+        FlatButton &button = fixture.button;
+        button.setAttribute(Qt::WA_UnderMouse, row.hover);
+        button.setDown(row.down);
+        button.setChecked(row.checked);
+        button.setEnabled(row.enabled);
+        const QImage picture = fixture.picture();
+        QCOMPARE(picture.pixelColor(0, 0), row.fill);
+        QCOMPARE(picture.pixelColor(59, 29), row.rule);
 
-    const QImage picture = fixture.picture();
-    QCOMPARE(picture.pixelColor(0, 0), fill);
-    QCOMPARE(picture.pixelColor(59, 29), hasRule ? QColor(Qt::red) : fill);
-
-    const auto labels = fixture.style.takeControls(QStyle::CE_ToolButtonLabel);
-    QCOMPARE(labels.size(), 1);
-    const int frame = fixture.style.pixelMetric(QStyle::PM_DefaultFrameWidth);
-    QCOMPARE(labels.first().rect,
-             button.rect().adjusted(frame, frame, -frame, -frame).translated(shift, shift));
+        const auto labels = fixture.style.takeControls(QStyle::CE_ToolButtonLabel);
+        QCOMPARE(labels.size(), 1);
+        const int frame = fixture.style.pixelMetric(QStyle::PM_DefaultFrameWidth);
+        const QRect place = button.rect().adjusted(frame, frame, -frame, -frame);
+        QCOMPARE(labels.first().rect, place.translated(row.shift, row.shift));
+    }
 }
 
 void TestFlatButton::unsetColoursLeaveOnlyLabelAndFocusFrame()
 {
     Fixture fixture;
-    fixture.button.setCheckable(true);
     fixture.button.setChecked(true);
     fixture.button.show();
     fixture.button.setFocus();
     QVERIFY(QTest::qWaitForWindowActive(&fixture.button));
     QTRY_VERIFY(fixture.button.hasFocus());
     fixture.style.takePrimitives(QStyle::PE_FrameFocusRect);
-
     const QImage picture = fixture.picture();
     QImage empty = picture;
     empty.fill(background);
@@ -112,6 +138,12 @@ void TestFlatButton::unsetColoursLeaveOnlyLabelAndFocusFrame()
     const auto frames = fixture.style.takePrimitives(QStyle::PE_FrameFocusRect);
     QCOMPARE(frames.size(), 1);
     QCOMPARE(frames.first().rect, fixture.button.rect().adjusted(3, 3, -3, -3));
+
+    QCoreApplication::processEvents();
+    fixture.style.takeControls(QStyle::CE_ToolButtonLabel);
+    fixture.setColours();
+    QCoreApplication::processEvents(); // the setters do not repaint
+    QVERIFY(fixture.style.takeControls(QStyle::CE_ToolButtonLabel).isEmpty());
 }
 
 void TestFlatButton::ruleEndsAtTheWidthOfTheButtonArea()
@@ -119,50 +151,30 @@ void TestFlatButton::ruleEndsAtTheWidthOfTheButtonArea()
     Fixture fixture;
     fixture.setColours();
     QMenu menu;
-    FlatButton &button = fixture.button;
-    button.setMenu(&menu);
-    button.setPopupMode(QToolButton::MenuButtonPopup); // the menu takes part of the width
-    button.setAttribute(Qt::WA_UnderMouse);
-    QStyleOptionToolButton option;
-    option.initFrom(&button);
-    option.features = QStyleOptionToolButton::MenuButtonPopup;
-    const int width
-        = fixture.style
-              .subControlRect(QStyle::CC_ToolButton, &option, QStyle::SC_ToolButton, &button)
-              .width();
-    QVERIFY(width > 10 && width < 55);
-
+    fixture.button.setMenu(&menu);
+    fixture.button.setPopupMode(QToolButton::MenuButtonPopup); // takes part of the width
+    fixture.button.setAttribute(Qt::WA_UnderMouse);
     const QImage picture = fixture.picture();
-    QCOMPARE(picture.pixelColor(width - 1, 28), QColor(Qt::cyan));
-    QCOMPARE(picture.pixelColor(width, 28), background);
-    QCOMPARE(picture.pixelColor(width, 29), QColor(Qt::red));
-    QCOMPARE(picture.pixelColor(width + 1, 29), background);
+    int fill = 0, rule = 0;
+    for (int x = 0; x < 60; ++x) {
+        fill += picture.pixelColor(x, 28) == Qt::cyan;
+        rule += picture.pixelColor(x, 29) == Qt::red;
+    }
+    QVERIFY(fill > 10 && fill < 55);
+    QCOMPARE(rule, fill + 1);
 }
 
 void TestFlatButton::clicksAreTheOwnersToAnswer()
 {
-    FlatButton button;
-    QAction action;
-    button.setDefaultAction(&action);
-    button.setCheckable(true);
-    const QSignalSpy triggered(&action, &QAction::triggered);
-    const QSignalSpy clicked(&button, &QAbstractButton::clicked);
-    button.click();
-    QCOMPARE(clicked.count(), 1);
-    QVERIFY(!button.isChecked());
-    QCOMPARE(triggered.count(), 0);
-}
-
-void TestFlatButton::settersStoreWithoutRepainting()
-{
     Fixture fixture;
-    fixture.button.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&fixture.button));
-    QCoreApplication::processEvents();
-    fixture.style.takeControls(QStyle::CE_ToolButtonLabel);
-    fixture.setColours();
-    QCoreApplication::processEvents();
-    QVERIFY(fixture.style.takeControls(QStyle::CE_ToolButtonLabel).isEmpty());
+    QAction action;
+    fixture.button.setDefaultAction(&action);
+    fixture.button.setCheckable(true);
+    const QSignalSpy triggered(&action, &QAction::triggered);
+    const QSignalSpy clicked(&fixture.button, &QAbstractButton::clicked);
+    fixture.button.click();
+    QCOMPARE(clicked.count(), 1);
+    QVERIFY(!fixture.button.isChecked() && triggered.isEmpty());
 }
 
 QTEST_MAIN(TestFlatButton)

@@ -48,12 +48,17 @@ struct Fixture {
         palette.setColor(QPalette::Window, background);
         palette.setColor(QPalette::ButtonText, Qt::black);
         button.setPalette(palette);
-        QPixmap pixmap(20, 20);
+        button.setText(QStringLiteral("&Title"));
+        button.setDescription(QStringLiteral("What it does"));
+        setIcon(20);
+    }
+
+    void setIcon(int size)
+    {
+        QPixmap pixmap(size, size);
         pixmap.fill(Qt::blue);
         button.setIconSize(pixmap.size());
         button.setIcon(pixmap);
-        button.setText(QStringLiteral("&Title"));
-        button.setDescription(QStringLiteral("What it does"));
     }
 
     QImage picture()
@@ -72,9 +77,7 @@ class TestFlatCommandLinkButton : public TestCase
 private Q_SLOTS:
     void stateIsShownByItsColourAndTheRule();
     void unsetColoursLeaveOnlyTexts();
-    void textsStandBesideTheIcon_data();
     void textsStandBesideTheIcon();
-    void titleColourStaysForADescriptionWithoutOne();
 };
 
 void TestFlatCommandLinkButton::stateIsShownByItsColourAndTheRule()
@@ -95,8 +98,8 @@ void TestFlatCommandLinkButton::stateIsShownByItsColourAndTheRule()
         QCOMPARE(picture.pixelColor(6 + pressed, 9 + pressed), fill);
         QCOMPARE(picture.pixelColor(7 + pressed, 10 + pressed), QColor(Qt::blue));
         QCOMPARE(picture.pixelColor(26 + pressed, 29 + pressed), QColor(Qt::blue));
-        for (const DrawnText &drawn : qAsConst(fixture.style.texts))
-            QCOMPARE(drawn.rect.left(), 20 + 13 + pressed);
+        QCOMPARE(fixture.style.texts.at(0).rect.left(), 20 + 13 + pressed);
+        QCOMPARE(fixture.style.texts.at(1).rect.left(), 20 + 13 + pressed);
     }
 }
 
@@ -110,6 +113,13 @@ void TestFlatCommandLinkButton::unsetColoursLeaveOnlyTexts()
     picture.fill(background);
     QCOMPARE(picture, before);
     QCOMPARE(fixture.style.texts.at(0).colour, QColor(Qt::black));
+    fixture.button.setTitleColour(Qt::red); // stays for a description without a colour
+    fixture.picture();
+    QCOMPARE(fixture.style.texts.at(0).colour, QColor(Qt::red));
+    QCOMPARE(fixture.style.texts.at(1).colour, QColor(Qt::red));
+    fixture.button.setDescriptionColour(Qt::green);
+    fixture.picture();
+    QCOMPARE(fixture.style.texts.at(1).colour, QColor(Qt::green));
 
     fixture.button.setDown(false);
     fixture.button.setCheckable(true);
@@ -117,60 +127,37 @@ void TestFlatCommandLinkButton::unsetColoursLeaveOnlyTexts()
     QVERIFY(!fixture.button.isChecked()); // that is for the owner
 }
 
-void TestFlatCommandLinkButton::textsStandBesideTheIcon_data()
-{
-    QTest::addColumn<int>("icon");
-    QTest::addColumn<bool>("hasDescription");
-    QTest::addColumn<bool>("underline");
-    QTest::newRow("both texts") << 20 << true << true;
-    QTest::newRow("no icon") << 0 << true << false;
-    QTest::newRow("title alone, high icon") << 40 << false << true;
-}
-
 void TestFlatCommandLinkButton::textsStandBesideTheIcon()
 {
-    QFETCH(const int, icon);
-    QFETCH(const bool, hasDescription);
-    QFETCH(const bool, underline);
-    Fixture fixture;
-    FlatCommandLinkButton &button = fixture.button;
-    button.setIconSize(QSize(icon, icon));
-    button.setIcon(icon ? QIcon(QPixmap(icon, icon)) : QIcon());
-    if (!hasDescription)
-        button.setDescription(QString());
-    fixture.style.hints.insert(QStyle::SH_UnderlineShortcut, underline ? 1 : 0);
-    fixture.picture();
+    for (const int icon : {0, 20, 40}) {
+        const bool alone = icon == 40; // without a description, below the top of a high icon
+        const bool underline = icon > 0;
+        Fixture fixture;
+        fixture.setIcon(icon);
+        if (alone)
+            fixture.button.setDescription(QString());
+        fixture.style.hints.insert(QStyle::SH_UnderlineShortcut, underline ? 1 : 0);
+        fixture.picture();
 
-    QFont font = button.font();
-    font.setPointSizeF(9.0);
-    QFont bold = font;
-    bold.setWeight(QFont::Bold);
-    const int line = QFontMetrics(bold).height();
-    const int left = icon + 13;
-    const int top = hasDescription ? 10 : 10 + qMax(0, (icon - line) / 2);
-    const int mnemonic = Qt::TextShowMnemonic | (underline ? 0 : Qt::TextHideMnemonic);
-    const DrawnText &title = fixture.style.texts.at(0);
-    QCOMPARE(title.text, button.text());
-    QCOMPARE(title.rect, QRect(QPoint(left, top), QPoint(195, 59)));
-    QCOMPARE(title.flags, mnemonic);
-    QCOMPARE(title.font, bold);
-    const DrawnText &description = fixture.style.texts.at(1);
-    QCOMPARE(description.text, button.description());
-    QCOMPARE(description.rect, QRect(QPoint(left, line + 10), QPoint(195, 54)));
-    QCOMPARE(description.flags, mnemonic | Qt::AlignLeft | Qt::TextWordWrap);
-    QCOMPARE(description.font, font);
-}
-
-void TestFlatCommandLinkButton::titleColourStaysForADescriptionWithoutOne()
-{
-    Fixture fixture;
-    fixture.button.setTitleColour(Qt::red);
-    fixture.picture();
-    QCOMPARE(fixture.style.texts.at(0).colour, QColor(Qt::red));
-    QCOMPARE(fixture.style.texts.at(1).colour, QColor(Qt::red));
-    fixture.button.setDescriptionColour(Qt::green);
-    fixture.picture();
-    QCOMPARE(fixture.style.texts.at(1).colour, QColor(Qt::green));
+        QFont font = fixture.button.font();
+        font.setPointSizeF(9.0);
+        QFont bold = font;
+        bold.setWeight(QFont::Bold);
+        const int line = QFontMetrics(bold).height();
+        const int left = icon + 13;
+        const int mnemonic = Qt::TextShowMnemonic | (underline ? 0 : Qt::TextHideMnemonic);
+        const DrawnText &title = fixture.style.texts.at(0);
+        QCOMPARE(title.text, fixture.button.text());
+        QCOMPARE(title.rect.topLeft(), QPoint(left, alone ? 10 + (icon - line) / 2 : 10));
+        QCOMPARE(title.rect.bottomRight(), QPoint(195, 59));
+        QCOMPARE(title.flags, mnemonic);
+        QCOMPARE(title.font, bold);
+        const DrawnText &description = fixture.style.texts.at(1);
+        QCOMPARE(description.text, fixture.button.description());
+        QCOMPARE(description.rect, QRect(QPoint(left, line + 10), QPoint(195, 54)));
+        QCOMPARE(description.flags, mnemonic | Qt::AlignLeft | Qt::TextWordWrap);
+        QCOMPARE(description.font, font);
+    }
 }
 
 QTEST_MAIN(TestFlatCommandLinkButton)

@@ -9,44 +9,29 @@ class TestSideBarWidget : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void ruleRunsAlongOneEdge_data();
-    void ruleRunsAlongOneEdge();
-};
-
-void TestSideBarWidget::ruleRunsAlongOneEdge_data()
-{
-    QTest::addColumn<int>("position");
-    QTest::addColumn<QRect>("rule"); // in a widget of 9 x 7
-    QTest::newRow("north") << 0 << QRect(0, 0, 9, 1);
-    QTest::newRow("south") << 1 << QRect(0, 6, 9, 1);
-    QTest::newRow("west") << 2 << QRect(0, 0, 1, 7);
-    QTest::newRow("east") << 3 << QRect(8, 0, 1, 7);
-    QTest::newRow("nowhere") << 7 << QRect();
-}
-
-void TestSideBarWidget::ruleRunsAlongOneEdge()
-{
-    QFETCH(const int, position);
-    QFETCH(const QRect, rule);
-    for (const QColor &fill : {QColor(), QColor(Qt::yellow)}) {
-        SideBarWidget bar;
-        bar.resize(9, 7);
-        QPalette palette;
-        palette.setColor(QPalette::Window, Qt::white);
-        bar.setPalette(palette);
-        bar.setLineColour(Qt::red);
-        bar.setBackgroundColour(fill);
-        QCOMPARE(bar.linePosition(), SideBarWidget::East);
-        bar.setProperty("linePosition", position);
-        const QImage picture = bar.grab().toImage();
-        for (int y = 0; y < 7; ++y) {
-            for (int x = 0; x < 9; ++x) {
-                const QColor around = fill.isValid() ? fill : QColor(Qt::white);
-                QCOMPARE(picture.pixelColor(x, y), rule.contains(x, y) ? QColor(Qt::red) : around);
+    void ruleRunsAlongOneEdge()
+    {
+        const QRect rules[] = {{0, 0, 9, 1}, {0, 6, 9, 1}, {0, 0, 1, 7}, {8, 0, 1, 7}, {}};
+        for (int i = 0; i < 10;
+             ++i) { // each position, and one that is none, with and without a fill
+            const QColor fill = i % 2 ? QColor(Qt::yellow) : QColor();
+            SideBarWidget bar;
+            bar.resize(9, 7);
+            bar.setPalette(Qt::white);
+            bar.setLineColour(Qt::red);
+            bar.setBackgroundColour(fill);
+            QCOMPARE(bar.linePosition(), SideBarWidget::East);
+            bar.setProperty("linePosition", i / 2);
+            const QImage picture = bar.grab().toImage();
+            const QColor around = fill.isValid() ? fill : bar.palette().color(QPalette::Window);
+            for (int pixel = 0; pixel < 9 * 7; ++pixel) {
+                const QPoint at(pixel % 9, pixel / 9);
+                QCOMPARE(picture.pixelColor(at),
+                         rules[i / 2].contains(at) ? QColor(Qt::red) : around);
             }
         }
     }
-}
+};
 
 QTEST_MAIN(TestSideBarWidget)
 

@@ -12,56 +12,43 @@ class TestTipLabel : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void looksAsTheToolTipOfTheToolkit_data();
-    void looksAsTheToolTipOfTheToolkit();
+    void looksAsTheToolTipOfTheToolkit()
+    {
+        QFont font(QStringLiteral("DejaVu Sans"));
+        font.setPixelSize(12);
+        QToolTip::setFont(font);
+        QApplication::setFont(font); // that of the tip goes by the name of its class
+        QPalette palette = QToolTip::palette();
+        palette.setColor(QPalette::ToolTipBase, Qt::yellow);
+        QToolTip::setPalette(palette);
+
+        for (const char *const words : {"Two words", "Two\nlines", "<b>Bold</b> and <i>not</i>"}) {
+            const QString text = QString::fromLatin1(words);
+            QWidget parent;
+            QToolTip::showText(QPoint(10, 10), text, &parent);
+            const auto windows = QApplication::topLevelWidgets();
+            const auto tip = std::find_if(windows.begin(), windows.end(), [&](QWidget *window) {
+                const auto *const label = qobject_cast<QLabel *>(window);
+                return label && label->isVisible() && label->text() == text;
+            });
+            QVERIFY(tip != windows.end());
+            const auto *const theirs = static_cast<const QLabel *>(*tip);
+
+            const TipLabel ours(text, &parent);
+            QCOMPARE(ours.wordWrap(), *words == '<');
+            QCOMPARE(ours.windowFlags(), theirs->windowFlags());
+            QCOMPARE(ours.size(), theirs->size());
+            QCOMPARE(ours.margin(), theirs->margin());
+            QCOMPARE(ours.indent(), theirs->indent());
+            QCOMPARE(ours.alignment(), theirs->alignment());
+            QCOMPARE(ours.frameStyle(), theirs->frameStyle());
+            QCOMPARE(ours.windowOpacity(), theirs->windowOpacity());
+            QCOMPARE(ours.hasMouseTracking(), theirs->hasMouseTracking());
+            QCOMPARE(ours.palette().color(ours.backgroundRole()), QColor(Qt::yellow));
+            QCOMPARE(ours.foregroundRole(), theirs->foregroundRole());
+        }
+    }
 };
-
-void TestTipLabel::looksAsTheToolTipOfTheToolkit_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("wraps");
-    QTest::newRow("plain") << QStringLiteral("Two words") << false;
-    QTest::newRow("two lines") << QStringLiteral("Two\nlines") << false;
-    QTest::newRow("rich") << QStringLiteral("<b>Bold</b> and <i>not</i>") << true;
-}
-
-void TestTipLabel::looksAsTheToolTipOfTheToolkit()
-{
-    QFETCH(const QString, text);
-    QFETCH(const bool, wraps);
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setPixelSize(12);
-    QToolTip::setFont(font);
-    QApplication::setFont(font); // that of the tip goes by the name of its class
-    QPalette palette = QToolTip::palette();
-    palette.setColor(QPalette::ToolTipBase, Qt::yellow);
-    QToolTip::setPalette(palette);
-
-    QWidget parent;
-    QToolTip::showText(QPoint(10, 10), text, &parent);
-    const auto windows = QApplication::topLevelWidgets();
-    const auto tip = std::find_if(windows.begin(), windows.end(), [&](const QWidget *window) {
-        const auto *const label = qobject_cast<const QLabel *>(window);
-        return label && label->isVisible() && label->text() == text;
-    });
-    QVERIFY(tip != windows.end());
-    const auto *const theirs = static_cast<const QLabel *>(*tip);
-
-    const TipLabel ours(text, &parent);
-    QCOMPARE(ours.wordWrap(), wraps);
-    QCOMPARE(theirs->wordWrap(), wraps);
-    QVERIFY(ours.isWindow());
-    QCOMPARE(ours.windowFlags(), theirs->windowFlags());
-    QCOMPARE(ours.size(), theirs->size());
-    QCOMPARE(ours.margin(), theirs->margin());
-    QCOMPARE(ours.indent(), theirs->indent());
-    QCOMPARE(ours.alignment(), theirs->alignment());
-    QCOMPARE(ours.frameStyle(), theirs->frameStyle());
-    QCOMPARE(ours.windowOpacity(), theirs->windowOpacity());
-    QCOMPARE(ours.hasMouseTracking(), theirs->hasMouseTracking());
-    QCOMPARE(ours.palette().color(ours.backgroundRole()), QColor(Qt::yellow));
-    QCOMPARE(ours.foregroundRole(), theirs->foregroundRole());
-}
 
 QTEST_MAIN(TestTipLabel)
 
