@@ -16,63 +16,41 @@ class TestWidgetCollection : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyWidgetOfTheBoxCanBeMade();
-    void newWidgetsLoadAsForms();
-
-private:
-    QList<QDesignerCustomWidgetInterface *> widgets();
-    static std::unique_ptr<QWidget> load(const QString &form);
-
-    QPluginLoader m_loader{QStringLiteral(PLUGIN_FILE)};
+    void everyWidgetOfTheBoxIsMadeAndLoadedAsAForm();
 };
 
-QList<QDesignerCustomWidgetInterface *> TestWidgetCollection::widgets()
+void TestWidgetCollection::everyWidgetOfTheBoxIsMadeAndLoadedAsAForm()
 {
-    auto *const collection
-        = qobject_cast<QDesignerCustomWidgetCollectionInterface *>(m_loader.instance());
-    return collection ? collection->customWidgets() : QList<QDesignerCustomWidgetInterface *>();
-}
-
-std::unique_ptr<QWidget> TestWidgetCollection::load(const QString &form)
-{
-    QUiLoader loader;
-    loader.clearPluginPaths();
-    loader.addPluginPath(QFileInfo(QStringLiteral(PLUGIN_FILE)).path());
-    QBuffer buffer;
-    buffer.setData(form.toUtf8());
-    return std::unique_ptr<QWidget>(loader.load(&buffer));
-}
-
-void TestWidgetCollection::everyWidgetOfTheBoxCanBeMade()
-{
+    QPluginLoader plugin(QStringLiteral(PLUGIN_FILE));
+    const auto *const collection
+        = qobject_cast<QDesignerCustomWidgetCollectionInterface *>(plugin.instance());
+    QVERIFY2(collection, qPrintable(plugin.errorString()));
     QStringList names;
-    const auto all = widgets();
+    const auto all = collection->customWidgets();
     for (QDesignerCustomWidgetInterface *const custom : all) {
         names.append(custom->name());
-        const std::unique_ptr<QWidget> widget(custom->createWidget(nullptr));
-        QCOMPARE(QString::fromLatin1(widget->metaObject()->className()), custom->name());
+        const std::unique_ptr<QWidget> made(custom->createWidget(nullptr));
+        QCOMPARE(QString::fromLatin1(made->metaObject()->className()), custom->name());
         const QString header = QStringLiteral(LIBRARY_FOLDER "/") + custom->includeFile();
         QVERIFY2(QFileInfo::exists(header), qPrintable(header));
+
+        QUiLoader loader;
+        loader.clearPluginPaths();
+        loader.addPluginPath(QFileInfo(QStringLiteral(PLUGIN_FILE)).path());
+        QBuffer buffer;
+        buffer.setData(custom->domXml().toUtf8());
+        const std::unique_ptr<QWidget> loaded(loader.load(&buffer));
+        QVERIFY2(loaded, qPrintable(custom->domXml()));
+        QCOMPARE(QString::fromLatin1(loaded->metaObject()->className()), custom->name());
+        if (custom->name() != QLatin1String("DetailsWidget"))
+            continue;
+        auto *const page = loaded->findChild<QWidget *>(QStringLiteral("details"));
+        QVERIFY(page && page->isVisibleTo(loaded.get()));
+        QVERIFY(loaded->layout()->indexOf(page) >= 0);
     }
     QCOMPARE(names.join(QLatin1Char(' ')),
              QStringLiteral("CloseButton DetailsWidget FadingPanel FixedHeightListWidget "
                             "FlatButton FlatCommandLinkButton SideBarWidget"));
-}
-
-void TestWidgetCollection::newWidgetsLoadAsForms()
-{
-    const auto all = widgets();
-    for (QDesignerCustomWidgetInterface *const custom : all) {
-        const auto widget = load(custom->domXml());
-        QVERIFY2(widget, qPrintable(custom->domXml()));
-        QCOMPARE(QString::fromLatin1(widget->metaObject()->className()), custom->name());
-        if (custom->name() != QLatin1String("DetailsWidget"))
-            continue;
-        auto *const page = widget->findChild<QWidget *>(QStringLiteral("details"));
-        QVERIFY(page);
-        QVERIFY(page->isVisibleTo(widget.get()));
-        QVERIFY(widget->layout()->indexOf(page) >= 0);
-    }
 }
 
 QTEST_MAIN(TestWidgetCollection)
