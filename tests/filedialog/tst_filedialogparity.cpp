@@ -410,6 +410,7 @@ void TestFileDialogParity::behavesAsTheDialogOfTheToolkit_data()
     row("selecting by call",
         "key view Home;select a.txt;select sub;select "
         "ROOT/sub/inner.txt;select ROOT/sub;select rel/zz;select");
+    row("homes", "type ~root/none;type ~/none;type ~nosuchuser/x;type ~nosuchuser;type x~root");
     row("completing", "complete 2 a;complete 3 sub/;complete 2 ROOT/s;complete 0 zz");
     row("completing directories", "mode 4;complete 2 s;complete 0 a");
     row("look-in",

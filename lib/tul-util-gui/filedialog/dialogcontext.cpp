@@ -43,7 +43,7 @@ QItemSelectionModel *DialogContext::selection() const
 
 QString DialogContext::rootPath() const
 {
-    const QString path = tul::toDialogPath(model->rootPath());
+    const QString path = tul::requestPath(model->rootPath());
     return path == QLatin1String(".") ? QString() : path;
 }
 
@@ -55,7 +55,7 @@ QModelIndex DialogContext::rootIndex() const
 
 QString DialogContext::path(const QModelIndex &modelIndex) const
 {
-    return tul::toDialogPath(model->filePath(modelIndex));
+    return tul::requestPath(model->filePath(modelIndex));
 }
 
 QModelIndex DialogContext::shownEntry(const QString &path) const

@@ -147,7 +147,7 @@ void DialogNavigation::goToTyped(const QString &text)
         path = tul::joinElements(tul::splitPath(m_context->rootPath()).mid(0, 1)) + path;
     else if (!expanded && !QDir::isAbsolutePath(path))
         path = tul::joinSlash(m_context->rootPath(), path);
-    goToEntry(tul::toDialogPath(path));
+    goToEntry(tul::requestPath(path));
 }
 
 void DialogNavigation::rootChanged()
@@ -172,7 +172,7 @@ void DialogNavigation::rootChanged()
 
 void DialogNavigation::listed(const QString &path)
 {
-    const QString directory = tul::toDialogPath(path);
+    const QString directory = tul::requestPath(path);
     m_listed.insert(directory);
     if (directory == m_context->rootPath())
         setListing(false);

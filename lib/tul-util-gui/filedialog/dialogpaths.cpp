@@ -1,6 +1,13 @@
 #include <tul-util-gui/filedialog/dialogpaths_p.h>
 
 #include <QDir>
+#include <QFile>
+
+#ifdef Q_OS_UNIX
+#include <cerrno>
+#include <cstddef>
+#include <pwd.h>
+#endif
 
 namespace tul
 {
@@ -27,11 +34,6 @@ bool hasRootElement(const QString &path)
 
 } // namespace
 
-QString toDialogPath(const QString &path)
-{
-    return requestPath(path);
-}
-
 QString parentPath(const QString &path)
 {
     QStringList elements = splitPath(path);
@@ -42,7 +44,7 @@ QString parentPath(const QString &path)
     // A drive without its slash is the working directory there.
     if (elements.size() == 1 && root.size() == 2 && root.endsWith(QLatin1Char(':')))
         return root + slash;
-    return toDialogPath(joinElements(elements));
+    return requestPath(joinElements(elements));
 }
 
 QString cleanDialogPath(const QString &path)
@@ -75,6 +77,27 @@ QString joinSlash(const QString &directory, const QString &name)
 {
     return directory.isEmpty() || directory.endsWith(slash) ? directory + name
                                                             : directory + slash + name;
+}
+
+QString homeOfUser(const QString &user)
+{
+#ifdef Q_OS_UNIX
+    constexpr int usualSize = 1024;
+    constexpr int largestSize = 1024 * usualSize;
+    const QByteArray name = QFile::encodeName(user);
+    QByteArray texts(usualSize, '\0');
+    passwd entry = {};
+    passwd *found = nullptr;
+    while (getpwnam_r(name.constData(), &entry, texts.data(),
+                      static_cast<std::size_t>(texts.size()), &found)
+               == ERANGE
+           && texts.size() < largestSize)
+        texts.resize(2 * texts.size());
+    return found ? QFile::decodeName(found->pw_dir) : QString();
+#else
+    Q_UNUSED(user)
+    return {};
+#endif
 }
 
 QStringList splitFileNames(const QString &text)

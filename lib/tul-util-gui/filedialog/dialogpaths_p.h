@@ -7,13 +7,10 @@
 
 // Pure functions on the paths of a file dialog, which may be local or carry the prefix of a remote
 // machine: "/usr/lib", "C:/Users" or "remote:/home". What QDir does with such paths ends at their
-// first element, which these functions take for the root that it is.
+// first element, which these functions take for the root that it is. What comes from the model goes
+// through requestPath() before the dialog tells it to others.
 namespace tul
 {
-
-/// The path as the dialog tells it to others: "/usr/lib" where the model says "//usr/lib". On
-/// Windows such a path names a host and stays.
-QString toDialogPath(const QString &path);
 
 /// The directory above, by the elements alone; empty above the first one.
 QString parentPath(const QString &path);
@@ -28,6 +25,9 @@ QString lastElement(const QString &path);
 
 /// The path of an entry of a directory; the name alone when the directory is empty.
 QString joinSlash(const QString &directory, const QString &name);
+
+/// The home of a user of this machine; empty where there is no such user, or no way to know.
+QString homeOfUser(const QString &user);
 
 /// The names in the line edit: those in quotes when there are any, else the whole text as one name.
 /// The last quote may be missing, and what stands outside of quotes is no name.

@@ -1,3 +1,4 @@
+#include <tul-util-gui/filedialog/dialogpaths_p.h>
 #include <tul-util-gui/filedialog/dialogstate_p.h>
 #include <tul-util-gui/filedialog/dialogviews_p.h>
 #include <tul-util-gui/filedialog/namefilters_p.h>
@@ -411,11 +412,15 @@ void RemoteFileDialogBase::setVisible(bool visible)
 
 QString RemoteFileDialogBase::tildeExpansion(const QString &path, bool *expanded)
 {
-    // The homes of other users are left to their names: where theirs are, a path does not tell.
-    const bool isHome = path == QLatin1String("~") || path.startsWith(QLatin1String("~/"));
+    QString home;
+    const QString user = path.section(QLatin1Char('/'), 0, 0);
+    if (user == QLatin1String("~"))
+        home = QDir::homePath();
+    else if (user.startsWith(QLatin1Char('~')))
+        home = tul::homeOfUser(user.mid(1));
     if (expanded)
-        *expanded = isHome;
-    return isHome ? QDir::homePath() + path.mid(1) : path;
+        *expanded = !home.isEmpty();
+    return home.isEmpty() ? path : home + path.mid(user.size());
 }
 
 QString RemoteFileDialogBase::getEnvironmentVariable(const QString &name)

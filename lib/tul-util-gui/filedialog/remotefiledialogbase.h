@@ -227,7 +227,8 @@ public:
 
     void setVisible(bool visible) override;
 
-    /// Replaces a tilde, alone or before a slash, by a home directory, here that of the local user.
+    /// Replaces a tilde at the beginning by a home directory, here that of the local user, or of
+    /// the one whose name follows it, where the system knows him.
     /// `expanded`, where given, tells whether there was something to replace.
     virtual QString tildeExpansion(const QString &path, bool *expanded = nullptr);
 

@@ -237,6 +237,8 @@ void RemoteFileDialogBasePrivate::cutConnections()
     const QList<QObject *> children = q->findChildren<QObject *>();
     for (const QObject *const child : children)
         child->disconnect(q);
+    if (context.proxy) // the host may have become its parent again
+        context.proxy->disconnect(q);
     context.ui.fileNameEdit->setCompleter(nullptr);
 }
 

@@ -31,7 +31,7 @@ QString RemoteFSCompleter::absolutePath(const QString &text) const
         return path;
     const QString root = m_context->rootPath();
     if (path.startsWith(QLatin1Char('/')))
-        return tul::toDialogPath(tul::joinElements(tul::splitPath(root).mid(0, 1)) + path);
+        return tul::requestPath(tul::joinElements(tul::splitPath(root).mid(0, 1)) + path);
     return QDir::isAbsolutePath(path) ? path : tul::joinSlash(root, path);
 }
 
@@ -48,7 +48,7 @@ QString RemoteFSCompleter::pathFromIndex(const QModelIndex &index) const
 {
     // By role, as the index may be one of the proxy or of the completions.
     const QString path
-        = tul::toDialogPath(index.data(RemoteFileSystemModel::FilePathRole).toString());
+        = tul::requestPath(index.data(RemoteFileSystemModel::FilePathRole).toString());
     const QString root = m_context->rootPath();
     const QString start = root.isEmpty() ? root : tul::joinSlash(root, QString());
     return path.startsWith(start) ? path.mid(start.size()) : path;
@@ -70,7 +70,7 @@ void RemoteFSCompleter::prepare(const QString &text)
 
 void RemoteFSCompleter::directoryLoaded(const QString &path)
 {
-    if (m_awaited.isEmpty() || tul::toDialogPath(path) != m_awaited)
+    if (m_awaited.isEmpty() || tul::requestPath(path) != m_awaited)
         return;
     m_awaited.clear();
     RemoteFileDialogBaseLineEdit *const edit = m_context->ui.fileNameEdit;
