@@ -18,6 +18,10 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+using T = const QString &;
+using Request = std::function<QString(T caption, T dir)>;
+Q_DECLARE_METATYPE(Request)
+
 namespace
 {
 
@@ -25,9 +29,6 @@ QString q(const char *text)
 {
     return QString::fromLatin1(text);
 }
-
-using T = const QString &;
-using Request = std::function<QString(T caption, T dir)>;
 
 /// Puts in a name, as by pasting, which brings up no completions, and clicks on Open, Save or
 /// Choose.
@@ -351,8 +352,6 @@ void TestFileDialog::programsHaveAPictureOfTheirOwn()
     QVERIFY(program != cacheKey(q("one/a.txt")));
     QVERIFY(program != cacheKey(q("one")));
 }
-
-Q_DECLARE_METATYPE(Request)
 
 QTEST_MAIN(TestFileDialog)
 #include "tst_filedialog.moc"
