@@ -1,3 +1,4 @@
+#include <support/literal.h>
 #include <support/testcase.h>
 #include <tul-util-gui/mdatable/celltext_p.h>
 
@@ -12,9 +13,6 @@
 #include <functional>
 
 using Prepare = std::function<void(QPainter *)>;
-Q_DECLARE_METATYPE(Prepare)
-using DrawOn = std::function<void(QImage *, bool plain)>;
-
 namespace
 {
 
@@ -22,21 +20,19 @@ const QRect cell(7, 5, 72, 26);
 const int rightCentred = Qt::AlignRight | Qt::AlignVCenter;
 const int leftCentred = Qt::AlignLeft | Qt::AlignVCenter;
 
-struct Colors {
-    QColor text;
-    QColor background;
-};
-
 struct Scene {
     QFont font;
-    QString text = QStringLiteral("-12.5e3");
+    QString text = "-12.5e3"_s;
     QRect rect = cell;
     int margin = 2; // of cells, left and right of their text
     int flags = rightCentred;
-    Colors colors = {Qt::black, Qt::white};
+    QColor color = Qt::black;
+    QColor background = Qt::white;
     bool namesBackground = true;
     QImage::Format format = QImage::Format_ARGB32_Premultiplied;
     qreal ratio = 1;
+    int fineness = 1; // of the image's dots
+    bool isRecorded = false; // in a picture, which is then drawn
     QPointF shift;
     Prepare prepare = [](QPainter *) {};
 };
@@ -46,6 +42,8 @@ QImage newImage(const Scene &scene)
 {
     QImage image(QSize(90, 40) * scene.ratio, scene.format);
     image.setDevicePixelRatio(scene.ratio);
+    image.setDotsPerMeterX(scene.fineness * image.dotsPerMeterX());
+    image.setDotsPerMeterY(scene.fineness * image.dotsPerMeterY());
     image.fill(QColor(40, 160, 90));
     return image;
 }
@@ -54,15 +52,14 @@ void drawOn(QPainter *painter, const Scene &scene, bool plain)
 {
     painter->setFont(scene.font);
     painter->translate(scene.shift);
-    painter->fillRect(scene.rect.adjusted(-scene.margin, 0, scene.margin, 0),
-                      scene.colors.background);
-    painter->setPen(scene.colors.text);
+    painter->fillRect(scene.rect.adjusted(-scene.margin, 0, scene.margin, 0), scene.background);
+    painter->setPen(scene.color);
     scene.prepare(painter);
     if (plain)
         painter->drawText(scene.rect, scene.flags, scene.text);
     else
         tul::drawText(painter, scene.rect, scene.flags, scene.text,
-                      scene.namesBackground ? scene.colors.background : QColor());
+                      scene.namesBackground ? scene.background : QColor());
 }
 
 void showWindow(QPainter *painter, const QRect &window)
@@ -72,22 +69,23 @@ void showWindow(QPainter *painter, const QRect &window)
 }
 
 // Whether the picture is that of the toolkit; tells what differs.
-bool isDrawnAlike(const Scene &scene, const DrawOn &draw = {})
+bool isDrawnAlike(const Scene &scene)
 {
     QImage images[2];
     for (const bool plain : {false, true}) {
         images[plain] = newImage(scene);
-        if (draw) {
-            draw(&images[plain], plain);
-        } else {
-            QPainter painter(&images[plain]);
-            drawOn(&painter, scene, plain);
-        }
+        QPicture picture;
+        QPainter painter;
+        painter.begin(scene.isRecorded ? static_cast<QPaintDevice *>(&picture) : &images[plain]);
+        drawOn(&painter, scene, plain);
+        painter.end();
+        if (scene.isRecorded)
+            QPainter(&images[plain]).drawPicture(0, 0, picture);
     }
     if (images[0] == images[1])
         return true;
     qWarning() << scene.text << scene.rect << scene.flags << scene.shift << scene.ratio
-               << scene.format << scene.colors.background << scene.namesBackground;
+               << scene.format << scene.background << scene.namesBackground;
     return false;
 }
 
@@ -131,9 +129,9 @@ private Q_SLOTS:
             "apples|\u0663|\uff15|\u22125|5\u00a0");
         for (const QString &text : texts.split(QLatin1Char('|')))
             QVERIFY2(tul::isNumber(text) == isTaken(text), qPrintable(text));
-        QVERIFY(!tul::isNumber(QString(QStringLiteral("12").append(QChar(0)))));
+        QVERIFY(!tul::isNumber(QString("12"_s.append(QChar(0)))));
         QRandomGenerator random(1);
-        const QString characters = QStringLiteral("0123456789012345678901234567890--..+e, ");
+        const QString characters = "0123456789012345678901234567890--..+e, "_s;
         for (int i = 0; i < 20000; ++i) {
             QString text;
             for (int length = random.bounded(21); length > 0; --length)
@@ -142,51 +140,43 @@ private Q_SLOTS:
         }
     }
 
-    void textIsMeasuredAndDrawnAsByTheToolkit_data()
-    {
-        QTest::addColumn<QFont>("font");
-        for (const char *family : {"DejaVu Sans", "DejaVu Sans Mono", "DejaVu Serif"}) {
-            for (const int points : {7, 9, 12})
-                QTest::addRow("%s %d", family, points)
-                    << QFont(QString::fromLatin1(family), points);
-            QTest::addRow("%s italic", family)
-                << QFont(QString::fromLatin1(family), 12, QFont::Normal, true);
-        }
-        using F = QFont &;
-        const auto addFont = [](const char *name, const std::function<void(F)> &change) {
-            QFont font(QStringLiteral("DejaVu Sans"), 10);
-            change(font);
-            QTest::newRow(name) << font;
-        };
-        addFont("bold", [](F f) { f.setBold(true); });
-        addFont("underlined", [](F f) { f.setUnderline(true); });
-        addFont("small capitals", [](F f) { f.setCapitalization(QFont::SmallCaps); });
-        addFont("spaced wide", [](F f) { f.setLetterSpacing(QFont::AbsoluteSpacing, 6); });
-        addFont("narrowed", [](F f) { f.setLetterSpacing(QFont::PercentageSpacing, 80); });
-        addFont("overlapping", [](F f) { f.setLetterSpacing(QFont::AbsoluteSpacing, -3); });
-        addFont("stretched", [](F f) { f.setStretch(140); });
-        addFont("unhinted", [](F f) { f.setHintingPreference(QFont::PreferNoHinting); });
-        addFont("not smoothed", [](F f) { f.setStyleStrategy(QFont::NoAntialias); });
-        addFont("fractional", [](F f) { f.setPointSizeF(9.3); });
-    }
-
     void textIsMeasuredAndDrawnAsByTheToolkit()
     {
-        QFETCH(QFont, font);
-        const QFontMetrics metrics(font);
-        const auto isMeasuredAlike = [&](const QString &text) {
-            return tul::textSize(font, text)
-                == QSize(metrics.horizontalAdvance(text), metrics.height());
+        using F = QFont &;
+        const QVector<std::function<void(F)>> changes{
+            [](F f) { f.setPointSize(7); },
+            [](F f) { f.setFamily("DejaVu Sans Mono"_s); },
+            [](F f) { f.setFamily("DejaVu Serif"_s); },
+            [](F f) { f = QFont("DejaVu Sans Mono"_s, 12, -1, true); },
+            [](F f) { f = QFont("DejaVu Serif"_s, 12, -1, true); },
+            [](F f) { f.setBold(true); },
+            [](F f) { f.setUnderline(true); },
+            [](F f) { f.setCapitalization(QFont::SmallCaps); },
+            [](F f) { f.setLetterSpacing(QFont::AbsoluteSpacing, 6); },
+            [](F f) { f.setLetterSpacing(QFont::PercentageSpacing, 80); },
+            [](F f) { f.setLetterSpacing(QFont::AbsoluteSpacing, -3); },
+            [](F f) { f.setStretch(140); },
+            [](F f) { f.setHintingPreference(QFont::PreferNoHinting); },
+            [](F f) { f.setStyleStrategy(QFont::NoAntialias); },
+            [](F f) { f.setPointSizeF(9.3); },
         };
-        for (const char *text : {"", "a word", "1 000", "e-e-e"})
-            QVERIFY2(isMeasuredAlike(QString::fromLatin1(text)), text);
-        QVERIFY(isMeasuredAlike(QString(200, QLatin1Char('8'))));
         QRandomGenerator random(3);
         Scene scene;
-        scene.font = font;
-        for (int i = 0; i < 200; ++i) {
-            scene.colors = oneOf<Colors>(
-                random, {{Qt::black, Qt::white}, {QColor(230, 240, 250), QColor(35, 38, 41)}});
+        // Fonts and colours alternate, more of them than are kept at a time.
+        for (int i = 0; i < 200 * changes.size(); ++i) {
+            scene.font = QFont("DejaVu Sans"_s, 10);
+            changes.at(i / 4 % changes.size())(scene.font);
+            const QFontMetrics metrics(scene.font);
+            const auto isMeasuredAlike = [&](const QString &text) {
+                return tul::textSize(scene.font, text)
+                    == QSize(metrics.horizontalAdvance(text), metrics.height());
+            };
+            for (const auto &text : {""_s, "a word"_s, "1 000"_s, QString(200, QLatin1Char('8'))})
+                QVERIFY2(isMeasuredAlike(text), qPrintable(scene.font.toString()));
+            const bool isDark = random.bounded(2) == 0;
+            const int hue = i % 10 * 30;
+            scene.color = isDark ? QColor(230, 240, 250) : QColor::fromHsv(hue, 255, i % 2 * 120);
+            scene.background = isDark ? QColor(35, 38, 41) : QColor::fromHsv(hue, i % 3 * 30, 250);
             scene.ratio = oneOf(random, {1.0, 1.5, 2.0});
             scene.format
                 = oneOf(random, {QImage::Format_RGB32, QImage::Format_ARGB32_Premultiplied});
@@ -203,43 +193,35 @@ private Q_SLOTS:
                 {leftCentred, rightCentred, Qt::AlignLeft, Qt::AlignHCenter | Qt::AlignVCenter});
             scene.shift
                 = oneOf<QPointF>(random, {{0, 0}, {3, 8}, {-30, -12}, {45, 25}, {0.5, 0.25}});
-            QVERIFY(isDrawnAlike(scene));
+            QVERIFY2(isDrawnAlike(scene), qPrintable(scene.font.toString()));
         }
-    }
-
-    void unusualPaintersDrawAsTheyDoOtherwise_data()
-    {
-        QTest::addColumn<Prepare>("prepare");
-        using P = QPainter *;
-        const auto addRow = [](const char *name, const Prepare &p) { QTest::newRow(name) << p; };
-        addRow("right to left", [](P p) { p->setLayoutDirection(Qt::RightToLeft); });
-        addRow("translucent", [](P p) { p->setOpacity(0.4); });
-        addRow("translucent pen", [](P p) { p->setPen(QColor(200, 0, 0, 100)); });
-        addRow("adding", [](P p) { p->setCompositionMode(QPainter::CompositionMode_Multiply); });
-        addRow("opaque", [](P p) { p->setBackgroundMode(Qt::OpaqueMode); });
-        addRow("not smoothed", [](P p) { p->setRenderHint(QPainter::TextAntialiasing, false); });
-        addRow("clipped",
-               [](P p) { p->setClipRegion(QRegion(20, 8, 20, 9) + QRect(50, 12, 6, 9)); });
-        addRow("round", [](P p) { p->setClipRegion(QRegion(30, 5, 35, 20, QRegion::Ellipse)); });
-        addRow("twice as large", [](P p) { p->scale(2, 2); });
-        addRow("mirrored", [](P p) { p->setTransform(QTransform(-1, 0, 0, 1, 80, 0)); });
-        addRow("rotated", [](P p) { p->rotate(10); });
-        addRow("window upside down", [](P p) { showWindow(p, QRect(0, 40, 90, -40)); });
-        addRow("window of a quarter", [](P p) { showWindow(p, QRect(0, 0, 45, 20)); });
-        addRow("own font", [](P p) { p->setFont(QFont(QStringLiteral("DejaVu Serif"), 8)); });
     }
 
     void unusualPaintersDrawAsTheyDoOtherwise()
     {
-        QFETCH(Prepare, prepare);
+        using P = QPainter *;
+        const QVector<Prepare> ways{
+            [](P p) { p->setLayoutDirection(Qt::RightToLeft); },
+            [](P p) { p->setOpacity(0.4); },
+            [](P p) { p->setPen(QColor(200, 0, 0, 100)); },
+            [](P p) { p->setCompositionMode(QPainter::CompositionMode_Multiply); },
+            [](P p) { p->setBackgroundMode(Qt::OpaqueMode); },
+            [](P p) { p->setRenderHint(QPainter::TextAntialiasing, false); },
+            [](P p) { p->setClipRegion(QRegion(20, 8, 20, 9) + QRect(50, 12, 6, 9)); },
+            [](P p) { p->setClipRegion(QRegion(30, 5, 35, 20, QRegion::Ellipse)); },
+            [](P p) { p->scale(2, 2); },
+            [](P p) { p->setTransform(QTransform(-1, 0, 0, 1, 80, 0)); },
+            [](P p) { p->rotate(10); },
+            [](P p) { showWindow(p, QRect(0, 40, 90, -40)); },
+            [](P p) { showWindow(p, QRect(0, 0, 45, 20)); },
+            [](P p) { p->setFont(QFont("DejaVu Serif"_s, 8)); },
+        };
         Scene scene;
-        scene.prepare = prepare;
-        for (const qreal ratio : {1.0, 2.0}) {
-            for (const bool named : {true, false}) {
-                scene.ratio = ratio;
-                scene.namesBackground = named;
-                QVERIFY(isDrawnAlike(scene));
-            }
+        for (int i = 0; i < 4 * ways.size(); ++i) {
+            scene.prepare = ways.at(i / 4);
+            scene.ratio = 1 + i % 2;
+            scene.namesBackground = i % 4 < 2;
+            QVERIFY2(isDrawnAlike(scene), qPrintable(QString::number(i / 4)));
         }
     }
 
@@ -253,33 +235,11 @@ private Q_SLOTS:
             QVERIFY(isDrawnAlike(scene));
         }
         scene.format = QImage::Format_RGB32;
-        QVERIFY(isDrawnAlike(scene, [&scene](QImage *fine, bool plain) {
-            fine->setDotsPerMeterX(2 * fine->dotsPerMeterX());
-            fine->setDotsPerMeterY(2 * fine->dotsPerMeterY());
-            QPainter painter(fine);
-            drawOn(&painter, scene, plain);
-        }));
-        QVERIFY(isDrawnAlike(scene, [&scene](QImage *image, bool plain) {
-            QPicture picture;
-            QPainter recorder(&picture);
-            drawOn(&recorder, scene, plain);
-            recorder.end();
-            QPainter(image).drawPicture(0, 0, picture);
-        }));
-    }
-
-    void colorsAndFontsMayAlternate()
-    {
-        // More of each than are kept at a time, and back again.
-        QRandomGenerator random(4);
-        Scene scene;
-        for (int i = 0; i < 60; ++i) {
-            scene.font = QFont(QStringLiteral("DejaVu Sans"), 6 + i % 11);
-            scene.colors.text = QColor::fromHsv(i % 10 * 30, 255, 120);
-            scene.colors.background = QColor::fromHsv(i % 3 * 90, 60, 250);
-            scene.text = randomNumber(random);
-            QVERIFY(isDrawnAlike(scene));
-        }
+        scene.fineness = 2;
+        QVERIFY(isDrawnAlike(scene));
+        scene.fineness = 1;
+        scene.isRecorded = true;
+        QVERIFY(isDrawnAlike(scene));
     }
 };
 

@@ -1,3 +1,4 @@
+#include <support/literal.h>
 #include <support/testcase.h>
 #include <tul-util-gui/mdatable/mdadimensionlistwidget.h>
 
@@ -12,6 +13,7 @@
 
 #include <functional>
 #include <memory>
+#include <tuple>
 
 namespace
 {
@@ -85,7 +87,7 @@ protected:
 // Whether `list` takes an event of a drag that comes from elsewhere and carries the entry X.
 template<class Event> bool takes(DimensionList &list, QChar target)
 {
-    DimensionList source(QStringLiteral("X"));
+    DimensionList source("X"_s);
     const std::unique_ptr<QMimeData> data(source.model()->mimeData({source.model()->index(0, 0)}));
     Event event(list.at(target), Qt::CopyAction, data.get(), Qt::LeftButton, {});
     list.handle(&event);
@@ -139,112 +141,93 @@ class TestMdaDimensionListWidget : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void dropsAreRefusedOverFixedEntries();
-    void indicatorIsPaintedOnlyWhereADropIsAllowed();
-    void dragLosesNoEntry();
-    void entriesThatWentDuringTheDragAreNotRemovedAgain();
-    void dragThatIsCancelledOrCannotStartRemovesNothing();
-    void listThatGoesEndsItsDrag();
-};
-
-void TestMdaDimensionListWidget::dropsAreRefusedOverFixedEntries()
-{
-    const QStringList rows{QStringLiteral("aBc B aXBc"), QStringLiteral("AbC b AbC"),
-                           QStringLiteral("abC - abCX"), QStringLiteral("ABc - ABc"),
-                           QStringLiteral(" - X")};
-    for (const QString &row : rows) {
-        DimensionList list(row.section(QLatin1Char(' '), 0, 0));
-        const QChar target = row.section(QLatin1Char(' '), 1, 1).at(0);
-        const QString result = row.section(QLatin1Char(' '), 2);
-        const bool allowed = result != list.names();
-        QCOMPARE(takes<QDragMoveEvent>(list, target), allowed);
-        QCOMPARE(takes<QDropEvent>(list, target), allowed);
-        QCOMPARE(list.names(), result);
+    void dropsAreRefusedOverFixedEntries()
+    {
+        // Entries, where X is dropped, and what comes of it.
+        for (const QString &row :
+             {"aBc B aXBc"_s, "AbC b AbC"_s, "abC - abCX"_s, "ABc - ABc"_s, " - X"_s}) {
+            DimensionList list(row.section(QLatin1Char(' '), 0, 0));
+            const QChar target = row.section(QLatin1Char(' '), 1, 1).at(0);
+            const QString result = row.section(QLatin1Char(' '), 2);
+            const bool allowed = result != list.names();
+            IndicatorStyle style;
+            list.setStyle(&style);
+            QCOMPARE(takes<QDragMoveEvent>(list, target), allowed);
+            list.grab();
+            QCOMPARE(style.painted > 0, allowed);
+            QCOMPARE(takes<QDropEvent>(list, target), allowed);
+            QCOMPARE(list.names(), result);
+        }
     }
-}
 
-void TestMdaDimensionListWidget::indicatorIsPaintedOnlyWhereADropIsAllowed()
-{
-    IndicatorStyle style;
-    DimensionList list(QStringLiteral("AbC"));
-    list.setStyle(&style);
-    for (const QChar target : QStringLiteral("AbC")) {
-        QCOMPARE(takes<QDragMoveEvent>(list, target), target.isUpper());
-        style.painted = 0;
-        list.grab();
-        QCOMPARE(style.painted > 0, target.isUpper());
+    // The list widget moves the rows of a drag of its own by itself; the end of the drag must not
+    // remove them once more.
+    void dragLosesNoEntry()
+    {
+        const auto inside = QAbstractItemView::InternalMove;
+        const auto anywhere = QAbstractItemView::DragDrop;
+        // Mode, entries that are dragged, above which entry; what both lists become.
+        using Case = std::tuple<QAbstractItemView::DragDropMode, Qt::KeyboardModifiers, QString,
+                                char, QString, QString>;
+        const auto copy = Qt::ControlModifier;
+        for (const auto &[mode, modifiers, selected, target, result, otherResult] :
+             {Case{inside, {}, "CD"_s, 'A', "CDABf"_s, "XYZ"_s},
+              Case{anywhere, {}, "A"_s, 'D', "BCADf"_s, "XYZ"_s},
+              Case{anywhere, {}, "Cf"_s, 'A', "CfABD"_s, "XYZ"_s},
+              Case{anywhere, {}, "A"_s, 'f', "ABCDf"_s, "XYZ"_s},
+              Case{anywhere, copy, "C"_s, 'A', "CABCDf"_s, "XYZ"_s},
+              Case{anywhere, {}, "Bf"_s, 'Y', "ACD"_s, "XBfYZ"_s},
+              Case{anywhere, copy, "C"_s, 'Y', "ABCDf"_s, "XCYZ"_s}}) {
+            DimensionList list("ABCDf"_s);
+            DimensionList other("XYZ"_s, 320);
+            list.setDragDropMode(mode);
+            list.showWith(selected);
+            other.showWith({});
+            drag(list, selected.at(0), target == 'Y' ? other : list, QLatin1Char(target),
+                 modifiers);
+            QCOMPARE(list.names(), result);
+            QCOMPARE(other.names(), otherResult);
+        }
     }
-}
 
-// The list widget moves the rows of a drag of its own by itself; the end of the drag must not
-// remove them once more.
-void TestMdaDimensionListWidget::dragLosesNoEntry()
-{
-    const auto inside = QAbstractItemView::InternalMove;
-    const auto anywhere = QAbstractItemView::DragDrop;
-    struct Case {
-        QAbstractItemView::DragDropMode mode;
-        bool copies;
-        const char *selected;
-        char target;
-        const char *result, *otherResult;
-    };
-    for (const Case &row : {Case{inside, false, "CD", 'A', "CDABf", "XYZ"},
-                            Case{anywhere, false, "A", 'D', "BCADf", "XYZ"},
-                            Case{anywhere, false, "Cf", 'A', "CfABD", "XYZ"},
-                            Case{anywhere, false, "A", 'f', "ABCDf", "XYZ"},
-                            Case{anywhere, true, "C", 'A', "CABCDf", "XYZ"},
-                            Case{anywhere, false, "Bf", 'Y', "ACD", "XBfYZ"},
-                            Case{anywhere, true, "C", 'Y', "ABCDf", "XCYZ"}}) {
-        DimensionList list(QStringLiteral("ABCDf"));
-        DimensionList other(QStringLiteral("XYZ"), 320);
-        list.setDragDropMode(row.mode);
-        list.showWith(QString::fromLatin1(row.selected));
+    void entriesThatWentDuringTheDragAreNotRemovedAgain()
+    {
+        DimensionList list("ABC"_s);
+        DimensionList other("XY"_s, 320);
+        list.showWith("AB"_s);
         other.showWith({});
-        drag(list, QLatin1Char(row.selected[0]), row.target == 'Y' ? other : list,
-             QLatin1Char(row.target), row.copies ? Qt::ControlModifier : Qt::NoModifier);
-        QCOMPARE(list.names(), QString::fromLatin1(row.result));
-        QCOMPARE(other.names(), QString::fromLatin1(row.otherResult));
+        drag(list, QLatin1Char('A'), other, QLatin1Char('Y'), {}, [&] { delete list.takeItem(0); });
+        QCOMPARE(list.names(), "C"_s);
+        QCOMPARE(other.names(), "XABY"_s);
     }
-}
 
-void TestMdaDimensionListWidget::entriesThatWentDuringTheDragAreNotRemovedAgain()
-{
-    DimensionList list(QStringLiteral("ABC"));
-    DimensionList other(QStringLiteral("XY"), 320);
-    list.showWith(QStringLiteral("AB"));
-    other.showWith({});
-    drag(list, QLatin1Char('A'), other, QLatin1Char('Y'), {}, [&] { delete list.takeItem(0); });
-    QCOMPARE(list.names(), QStringLiteral("C"));
-    QCOMPARE(other.names(), QStringLiteral("XABY"));
-}
+    void dragThatIsCancelledOrCannotStartRemovesNothing()
+    {
+        DimensionList list("ABC"_s);
+        list.startDrag(Qt::MoveAction); // of nothing
+        list.showWith("C"_s);
+        drag(list, QLatin1Char('C'), list, QLatin1Char('A'), {},
+             [&] { QTest::keyClick(list.windowHandle(), Qt::Key_Escape); });
+        QCOMPARE(list.names(), "ABC"_s);
 
-void TestMdaDimensionListWidget::dragThatIsCancelledOrCannotStartRemovesNothing()
-{
-    DimensionList list(QStringLiteral("ABC"));
-    list.startDrag(Qt::MoveAction); // of nothing
-    list.showWith(QStringLiteral("C"));
-    drag(list, QLatin1Char('C'), list, QLatin1Char('A'), {},
-         [&] { QTest::keyClick(list.windowHandle(), Qt::Key_Escape); });
-    QCOMPARE(list.names(), QStringLiteral("ABC"));
+        QTimer cancel; // in case that it does start
+        connect(&cancel, &QTimer::timeout, &QDrag::cancel);
+        cancel.start(0);
+        list.hasMimeData = false;
+        const int drags = list.findChildren<QDrag *>().size();
+        list.startDrag(Qt::MoveAction);
+        QCOMPARE(list.findChildren<QDrag *>().size(), drags);
+    }
 
-    QTimer cancel; // in case that it does start
-    connect(&cancel, &QTimer::timeout, &QDrag::cancel);
-    cancel.start(0);
-    list.hasMimeData = false;
-    const int drags = list.findChildren<QDrag *>().size();
-    list.startDrag(Qt::MoveAction);
-    QCOMPARE(list.findChildren<QDrag *>().size(), drags);
-}
-
-void TestMdaDimensionListWidget::listThatGoesEndsItsDrag()
-{
-    auto list = std::make_unique<DimensionList>(QStringLiteral("ABC"));
-    list->showWith(QStringLiteral("B"));
-    QTimer::singleShot(0, this, [&] { list.reset(); });
-    list->startDrag(Qt::MoveAction); // returns at all
-    QVERIFY(!list);
-}
+    void listThatGoesEndsItsDrag()
+    {
+        auto list = std::make_unique<DimensionList>("ABC"_s);
+        list->showWith("B"_s);
+        QTimer::singleShot(0, this, [&] { list.reset(); });
+        list->startDrag(Qt::MoveAction); // returns at all
+        QVERIFY(!list);
+    }
+};
 
 int main(int argc, char *argv[])
 {

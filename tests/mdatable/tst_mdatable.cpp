@@ -1,4 +1,5 @@
 #include <support/counteditem.h>
+#include <support/literal.h>
 #include <support/recordingtable.h>
 #include <support/testcase.h>
 
@@ -19,9 +20,6 @@ const long long trillion = 1000000000000LL;
 const int fatal = 42;
 
 using Cell = QPair<long long, long long>;
-using Hiding = std::array<long long, 4>; // the current section, from, to, the expected section
-Q_DECLARE_METATYPE(Hiding)
-
 namespace
 {
 
@@ -42,10 +40,10 @@ int overfill(const QString &how)
         std::fputs(qPrintable(text), stderr);
         std::_Exit(type == QtFatalMsg ? fatal : EXIT_FAILURE);
     });
-    const bool sparse = how == QLatin1String("setSparse");
+    const bool sparse = how.startsWith(QLatin1String("setSparse"));
     MDATable table(100000, sparse ? highest : 100000);
     table.setSparse(sparse);
-    sparse ? table.setSparse(false) : table.setText(0, 0, QStringLiteral("x"));
+    sparse ? table.setSparse(false) : table.setText(0, 0, "x"_s);
     return EXIT_SUCCESS;
 }
 
@@ -54,6 +52,22 @@ int overfill(const QString &how)
 class TestMDATable : public TestCase
 {
     Q_OBJECT
+
+    static void checkHiding(long long current, long long from, long long to, long long expected)
+    {
+        RecordingTable table(10, 10);
+        table.setCurrentCell(current, 5);
+        from == to ? table.hideRow(from) : table.hideRows(from, to);
+        QCOMPARE(currentCell(table), Cell(expected, 5));
+        for (long long row = -1; row <= 10; ++row)
+            QCOMPARE(table.isRowHidden(row), from <= row && row <= to && row >= 0 && row < 10);
+        QCOMPARE(table.countOf("rowHeightChanged"), from <= to && from < 10 ? 1 : 0);
+        from == to ? table.showRow(from) : table.showRows(from, to);
+        table.setCurrentCell(5, current);
+        QVERIFY(!table.isRowHidden(current) && !table.isRowHidden(5));
+        from == to ? table.hideColumn(from) : table.hideColumns(from, to);
+        QCOMPARE(currentCell(table), Cell(5, expected));
+    }
 
 private Q_SLOTS:
     // Tests delete the items that they keep: whatever lives on was lost by the table.
@@ -73,24 +87,24 @@ private Q_SLOTS:
             table.fill();
             const MDATableItem *item = table.item(1, 2);
             QVERIFY(item->row() == 1 && item->col() == 2 && item->table() == &table);
-            table.setText(1, 2, QStringLiteral("new"));
+            table.setText(1, 2, "new"_s);
             QVERIFY(table.item(1, 2) == item);
             table.clearCell(1, 2);
-            table.setText(1, 2, QStringLiteral("made"));
+            table.setText(1, 2, "made"_s);
             QCOMPARE(table.item(1, 2)->rtti(), MDATableItem::RTTI);
-            table.setItem(1, 1, new CountedItem(QStringLiteral("other")));
+            table.setItem(1, 1, new CountedItem("other"_s));
             table.setItem(0, 0, nullptr);
-            QCOMPARE(takeDeleted(), QStringLiteral("new 11"));
+            QCOMPARE(takeDeleted(), "new 11"_s);
             CountedItem kept;
             for (const Cell &cell : {Cell(-1, 0), Cell(0, -1), Cell(0, 3), Cell(2, 0), Cell(0, 4),
                                      Cell(highest, highest), Cell(lowest, lowest)}) {
                 table.setItem(cell.first, cell.second, &kept);
-                table.setText(cell.first, cell.second, QStringLiteral("x"));
+                table.setText(cell.first, cell.second, "x"_s);
                 table.clearCell(cell.first, cell.second);
                 QVERIFY(!table.item(cell.first, cell.second));
             }
             QVERIFY(!kept.table());
-            QCOMPARE(table.contents(), QStringLiteral("00 01 02/10 other made"));
+            QCOMPARE(table.contents(), "00 01 02/10 other made"_s);
         }
     }
 
@@ -104,8 +118,8 @@ private Q_SLOTS:
             const std::unique_ptr<MDATableItem> item(table.item(0, 1));
             table.setItem(0, 1, item.get());
             table.setItem(1, 0, item.get());
-            QCOMPARE(takeDeleted(), QStringLiteral("10"));
-            QCOMPARE(table.contents(), QStringLiteral("00 -/01 11"));
+            QCOMPARE(takeDeleted(), "10"_s);
+            QCOMPARE(table.contents(), "00 -/01 11"_s);
             item->setRow(0); // behind the table's back
             table.takeItem(item.get());
             QCOMPARE(table.contents(), QLatin1String(sparse ? "00 -/- 11" : "00 -/11 -"));
@@ -122,13 +136,13 @@ private Q_SLOTS:
         table.takeItem(kept[0]);
         QVERIFY(kept[0]->row() == -1 && kept[0]->col() == -1 && !kept[0]->table());
         table.takeItem(kept[0]); // in no cell any more
-        QCOMPARE(table.contents(), QStringLiteral("00 02 10/11 12 -"));
+        QCOMPARE(table.contents(), "00 02 10/11 12 -"_s);
         table.takeItem(kept[1]); // sits in another slot than its cell's
-        QCOMPARE(table.contents(), QStringLiteral("00 10 11/12 - -"));
+        QCOMPARE(table.contents(), "00 10 11/12 - -"_s);
         table.takeItem(kept[2]); // its slot is gone
-        QCOMPARE(table.contents(), QStringLiteral("00 10 11/- - -"));
+        QCOMPARE(table.contents(), "00 10 11/- - -"_s);
         table.setNumRows(2); // drops what is not in its slot
-        QCOMPARE(table.contents(), QStringLiteral("00 - -/- - -"));
+        QCOMPARE(table.contents(), "00 - -/- - -"_s);
         qDeleteAll(kept);
     }
 
@@ -139,11 +153,11 @@ private Q_SLOTS:
         RecordingTable table(2, 4);
         table.fill();
         table.resizeData(5);
-        QCOMPARE(table.contents(), QStringLiteral("00 01 02 03/10 - - -"));
-        QCOMPARE(takeDeleted(), QStringLiteral("13 12 11"));
+        QCOMPARE(table.contents(), "00 01 02 03/10 - - -"_s);
+        QCOMPARE(takeDeleted(), "13 12 11"_s);
         table.resizeData(-3);
-        table.setText(1, 3, QStringLiteral("x")); // sizes it again
-        QCOMPARE(table.contents(), QStringLiteral("- - - -/- - - x"));
+        table.setText(1, 3, "x"_s); // sizes it again
+        QCOMPARE(table.contents(), "- - - -/- - - x"_s);
         auto *item = new CountedItem;
         table.setItem(0, 3, item);
         item->setRow(1); // by its row and column it is in no cell
@@ -155,17 +169,16 @@ private Q_SLOTS:
     void changedDimensionsKeepTheCellsThatRemain()
     {
         using Step = QPair<Cell, QString>;
-        for (const Step &step :
-             {Step({3, 1}, QStringLiteral("00/10/20")), Step({1, 2}, QStringLiteral("00 01")),
-              Step({3, 0}, QStringLiteral("//")),
-              Step({4, 3}, QStringLiteral("00 01 -/10 11 -/20 21 -/- - -")),
-              Step({-5, lowest}, QStringLiteral("00 01/10 11/20 21"))}) {
+        for (const auto &[size, contents] :
+             {Step({3, 1}, "00/10/20"_s), Step({1, 2}, "00 01"_s), Step({3, 0}, "//"_s),
+              Step({4, 3}, "00 01 -/10 11 -/20 21 -/- - -"_s),
+              Step({-5, lowest}, "00 01/10 11/20 21"_s)}) {
             RecordingTable table(3, 2);
             table.fill();
-            table.setNumCols(step.first.second);
-            table.setNumRows(step.first.first);
-            QCOMPARE(table.contents(), step.second);
-            QCOMPARE(CountedItem::live(), step.second.count(QRegExp(QStringLiteral("\\d\\d"))));
+            table.setNumCols(size.second);
+            table.setNumRows(size.first);
+            QCOMPARE(table.contents(), contents);
+            QCOMPARE(CountedItem::live(), contents.count(QRegExp("\\d\\d"_s)));
         }
     }
 
@@ -191,16 +204,16 @@ private Q_SLOTS:
         table.fill();
         table.setSparse(true);
         QVERIFY(!table.item(1, 0));
-        table.setText(1, 0, QStringLiteral("sparse"));
+        table.setText(1, 0, "sparse"_s);
         table.setSparse(false);
-        QCOMPARE(table.contents(), QStringLiteral("00 01/sparse 11"));
-        QCOMPARE(takeDeleted(), QStringLiteral("10"));
+        QCOMPARE(table.contents(), "00 01/sparse 11"_s);
+        QCOMPARE(takeDeleted(), "10"_s);
         table.setSparse(true);
         const std::unique_ptr<MDATableItem> dropped(new CountedItem);
         table.setItem(0, 0, dropped.get());
         table.setNumRows(1); // drops the sparse items without deleting them
         QVERIFY(!table.item(0, 0));
-        QCOMPARE(takeDeleted(), QStringLiteral("00 01 11"));
+        QCOMPARE(takeDeleted(), "00 01 11"_s);
     }
 
     void clearingDeletesTheItemsOfBothStores()
@@ -231,25 +244,23 @@ private Q_SLOTS:
             item->whenDeleted = [&] {
                 QVERIFY(table.item(1, 1) != item);
                 table.clearCell(1, 1);
-                table.setText(0, 0, QStringLiteral("set"));
+                table.setText(0, 0, "set"_s);
             };
             table.setItem(1, 1, item);
             deletion(table);
-            QCOMPARE(table.text(0, 0), QStringLiteral("set"));
+            QCOMPARE(table.text(0, 0), "set"_s);
         }
     }
 
     void denseTableTooLargeForTheStoreEndsTheProcess()
     {
-        using Way = QPair<const char *, QByteArray>;
-        for (const Way &way :
-             {Way("setText", "10000000000"), Way("setSparse", "9223372036854775807")}) {
+        for (const QString &way : {"setText: 10000000000"_s, "setSparse: 9223372036854775807"_s}) {
             QProcess child;
-            child.start(QCoreApplication::applicationFilePath(),
-                        {QStringLiteral("--overfill"), QLatin1String(way.first)});
+            child.start(QCoreApplication::applicationFilePath(), {"--overfill"_s, way});
             QVERIFY(child.waitForFinished());
-            QVERIFY(child.readAllStandardError().endsWith("resizeData called with len > INT_MAX: "
-                                                          + way.second));
+            const QByteArray text = child.readAllStandardError();
+            QVERIFY(text.endsWith("resizeData called with len > INT_MAX"
+                                  + way.mid(way.indexOf(QLatin1Char(':'))).toLatin1()));
             QCOMPARE(child.exitCode(), fatal);
         }
     }
@@ -262,45 +273,30 @@ private Q_SLOTS:
         QVERIFY(!dense.grab().isNull());
         RecordingTable sparse(trillion, 1LL << 32);
         sparse.setSparse(true);
-        sparse.setText(trillion - 1, 999, QStringLiteral("end"));
-        QCOMPARE(sparse.text(trillion - 1, 999), QStringLiteral("end"));
+        sparse.setText(trillion - 1, 999, "end"_s);
+        QCOMPARE(sparse.text(trillion - 1, 999), "end"_s);
         // With more cells than 64-bit numbers, several of them share an index.
         QCOMPARE(sparse.indexOf(1LL << 32, 5), sparse.indexOf(0, 5));
-        sparse.setText(0, 5, QStringLiteral("here"));
+        sparse.setText(0, 5, "here"_s);
         QVERIFY(!sparse.item(1LL << 32, 5));
         sparse.clearCell(1LL << 32, 5);
-        QCOMPARE(sparse.text(0, 5), QStringLiteral("here"));
-    }
-
-    void hidingTheCurrentCellMovesIt_data()
-    {
-        QTest::addColumn<Hiding>("hiding");
-        QTest::newRow("over the hidden ones") << Hiding{2, 2, 6, 7};
-        QTest::newRow("back from the last one") << Hiding{9, 9, 9, 8};
-        QTest::newRow("back when none follows") << Hiding{7, 5, 9, 4};
-        QTest::newRow("not when others are hidden") << Hiding{4, 5, 9, 4};
-        QTest::newRow("nowhere without a visible one") << Hiding{3, 0, highest, 3};
-        QTest::newRow("not for an inverted range") << Hiding{4, 5, 3, 4};
-        QTest::newRow("not for sections outside") << Hiding{9, 10, 10, 9};
-        QTest::newRow("within a range cut to the table") << Hiding{1, lowest, 2, 3};
+        QCOMPARE(sparse.text(0, 5), "here"_s);
     }
 
     void hidingTheCurrentCellMovesIt()
     {
-        QFETCH(Hiding, hiding);
-        const auto [current, from, to, expected] = hiding;
-        RecordingTable table(10, 10);
-        table.setCurrentCell(current, 5);
-        from == to ? table.hideRow(from) : table.hideRows(from, to);
-        QCOMPARE(currentCell(table), Cell(expected, 5));
-        for (long long row = -1; row <= 10; ++row)
-            QCOMPARE(table.isRowHidden(row), from <= row && row <= to && row >= 0 && row < 10);
-        QCOMPARE(table.countOf("rowHeightChanged"), from <= to && from < 10 ? 1 : 0);
-        from == to ? table.showRow(from) : table.showRows(from, to);
-        table.setCurrentCell(5, current);
-        QVERIFY(!table.isRowHidden(current) && !table.isRowHidden(5));
-        from == to ? table.hideColumn(from) : table.hideColumns(from, to);
-        QCOMPARE(currentCell(table), Cell(5, expected));
+        using Hiding = std::array<long long, 4>; // the current section, from, to, where it moves
+        for (const auto &[current, from, to, expected] : {
+                 Hiding{2, 2, 6, 7}, // over the hidden ones
+                 Hiding{9, 9, 9, 8}, // back from the last one
+                 Hiding{7, 5, 9, 4}, // back when none follows
+                 Hiding{4, 5, 9, 4}, // not when others are hidden
+                 Hiding{3, 0, highest, 3}, // nowhere without a visible one
+                 Hiding{4, 5, 3, 4}, // not for an inverted range
+                 Hiding{9, 10, 10, 9}, // not for sections outside
+                 Hiding{1, lowest, 2, 3}, // within a range cut to the table
+             })
+            checkHiding(current, from, to, expected);
     }
 };
 
