@@ -2,7 +2,6 @@
 #include <tul-util-gui/widgets/widercommandlinkbutton.h>
 
 #include <QTest>
-#include <QtMath>
 
 class TestWiderCommandLinkButton : public TestCase
 {
@@ -24,8 +23,8 @@ void TestWiderCommandLinkButton::hintIsWideEnoughForTheDescription()
             plain.setFont(button.font());
             plain.setIcon(button.icon());
             const QSize base = static_cast<const QWidget &>(plain).sizeHint();
-            const QFontMetricsF metrics(button.font());
-            const int needed = qCeil(metrics.horizontalAdvance(button.description())) + icon + 17;
+            const QFontMetrics metrics(button.font());
+            const int needed = metrics.horizontalAdvance(button.description()) + icon + 17;
             const int width = letters ? qMax(needed, base.width()) : base.width();
             QCOMPARE(button.sizeHint(), QSize(width, base.height()));
             QCOMPARE(button.sizeHint().width() > base.width(), letters == 80);

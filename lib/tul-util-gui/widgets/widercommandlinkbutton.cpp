@@ -2,7 +2,6 @@
 
 #include <QFontMetrics>
 #include <QIcon>
-#include <QtMath>
 
 #include <algorithm>
 
@@ -49,9 +48,9 @@ QSize WiderCommandLinkButton::sizeHint() const
     const QSize hint = QCommandLinkButton::sizeHint();
     if (description().isEmpty())
         return hint;
-    // By design: the widget's font, whichever one the description is painted with. Rounded up: a
-    // fraction of a pixel too little, and the last word is wrapped.
-    const int textWidth = qCeil(QFontMetricsF(font()).horizontalAdvance(description()));
+    // By design: the widget's font, whichever one the description is painted with, and its whole
+    // pixels as the toolkit rounds them.
+    const int textWidth = fontMetrics().horizontalAdvance(description());
     const int iconWidth = std::max(0, icon().actualSize(iconSize()).width()); // no icon: -1
     return {std::max(hint.width(), textWidth + iconWidth + horizontalMargins), hint.height()};
 }
