@@ -399,9 +399,9 @@ Qt::ItemFlags RemoteFileSystemModel::flags(const QModelIndex &index) const
     if (nameFilterDisables() && !d->filter.passesNames(*node))
         return flags & ~Qt::ItemIsEnabled;
     flags |= Qt::ItemIsDragEnabled;
-    if (isReadOnly() || index.column() != NameColumn
-        || !node->permissions().testFlag(QFileDevice::WriteUser))
-        return flags;
+    if (isReadOnly() || index.column() != NameColumn || !node->hasInfo
+        || !node->record.mFileInfo.permission(QFileDevice::WriteUser))
+        return flags; // a view asks for all its rows, and each permission is a call to the disk
     flags |= Qt::ItemIsEditable;
     if (node->isDirectory())
         flags |= Qt::ItemIsDropEnabled;
