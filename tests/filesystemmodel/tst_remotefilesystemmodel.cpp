@@ -423,6 +423,7 @@ void tst_RemoteFileSystemModel::removingALinkSparesItsTarget()
     QVERIFY(f.model->remove(f.index("link")) && f.model->remove(f.index("d")));
     QVERIFY(f.model->remove(f.index("kept"))); // of what is in it only a part can be removed
     QVERIFY(!f.model->remove(f.index("kept")));
+    f.tester.reset(); // would go down the dots without end
     f.model->setFilter(QDir::AllEntries);
     QTRY_COMPARE(f.rows().left(5), ". .. "_s);
     QVERIFY(!f.model->remove(f.model->index(1, 0, f.index()))); // would take all there is
@@ -523,10 +524,10 @@ void tst_RemoteFileSystemModel::manyScatteredRowsVanishTogether()
     odd.prepend("e"_s);
     const QPersistentModelIndex stays = f.index("f1151");
     const QPersistentModelIndex goes = f.index("f1150");
-    QSignalSpy layouts(f.model.get(), &QAbstractItemModel::layoutChanged);
+    const QSignalSpy removed(f.model.get(), &QAbstractItemModel::rowsRemoved);
     Q_EMIT f.gatherer().newListOfFiles(f.base, odd);
-    QCOMPARE(f.model->rowCount(f.index()), odd.size());
-    QCOMPARE(layouts.size(), 1);
+    QTRY_COMPARE(f.model->rowCount(f.index()), odd.size());
+    QCOMPARE(removed.size(), 0); // by one new layout
     QTRY_COMPARE(f.rows(), odd.join(QLatin1Char(' ')));
     QCOMPARE(stays.row(), 76);
     QVERIFY(!goes.isValid());

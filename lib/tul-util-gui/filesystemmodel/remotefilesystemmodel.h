@@ -113,7 +113,8 @@ public:
     /// again.
     bool rmdir(const QModelIndex &index) const;
 
-    /// Removes a file, or a directory with all that it holds; of a link only the link.
+    /// Removes a file, or a directory with all that it holds; of a link only the link. Refuses "."
+    /// and "..".
     ///
     /// By design: true when anything at all was removed, and hidden files keep their directories.
     bool remove(const QModelIndex &index) const;
