@@ -400,7 +400,7 @@ Qt::ItemFlags RemoteFileSystemModel::flags(const QModelIndex &index) const
         return flags & ~Qt::ItemIsEnabled;
     flags |= Qt::ItemIsDragEnabled;
     if (isReadOnly() || index.column() != NameColumn || !node->hasInfo
-        || !node->record.mFileInfo.permission(QFileDevice::WriteUser))
+        || !node->info.permission(QFileDevice::WriteUser))
         return flags; // a view asks for all its rows, and each permission is a call to the disk
     flags |= Qt::ItemIsEditable;
     if (node->isDirectory())
