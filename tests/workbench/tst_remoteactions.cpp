@@ -180,12 +180,8 @@ void TestRemoteActions::aLostConnectionIsOfferedAnewAndDialogsGoOn()
     QVERIFY(opened.wait(longEnough));
     QTRY_VERIFY(!shownBox());
     QCOMPARE(edit->text(), QStringLiteral("typed"));
-    // The connection serves the dialog again.
-    const auto rowsAfterRefresh = [view] {
-        QTest::keyClick(view, Qt::Key_F5);
-        return view->model()->rowCount(view->rootIndex());
-    };
-    QTRY_COMPARE_WITH_TIMEOUT(rowsAfterRefresh(), 2, longEnough);
+    // The dialog lists its directory again by itself.
+    QTRY_COMPARE_WITH_TIMEOUT(view->model()->rowCount(view->rootIndex()), 2, longEnough);
 }
 
 QTEST_MAIN(TestRemoteActions)

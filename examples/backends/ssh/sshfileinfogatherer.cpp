@@ -29,6 +29,7 @@ void SshFileInfoGatherer::addPath(const QString &path)
     }
     // The directory is about to be listed, so whoever asked for that has just made this known.
     Watched watched;
+    watched.client = m_files->client();
     watched.time = m_files->entry(m_files->remotePath(path)).target.modificationTime;
     const QMutexLocker locker(&m_mutex);
     m_watched.insert(path, watched);
@@ -61,11 +62,9 @@ void SshFileInfoGatherer::poll()
     QStringList changed;
     {
         const QMutexLocker locker(&m_mutex);
-        const bool isNew = m_asked && m_asked != client;
-        m_asked = client;
         for (auto watched = m_watched.begin(); watched != m_watched.end(); ++watched) {
             const SftpPendingPointer question = std::exchange(watched->question, nullptr);
-            if (isNew) {
+            if (std::exchange(watched->client, client) != client) {
                 changed.append(watched.key());
             } else if (question && !client->isAnswered(question)) {
                 watched->question = question;

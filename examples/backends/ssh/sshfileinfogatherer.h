@@ -43,6 +43,7 @@ public:
 
 private:
     struct Watched {
+        std::shared_ptr<SftpClient> client; ///< the connection over which it was listed
         quint32 time = 0; ///< of the last change when it was listed
         SftpPendingPointer question;
     };
@@ -53,7 +54,6 @@ private:
     QTimer m_timer;
     QMutex m_mutex; // guards the following
     QHash<QString, Watched> m_watched;
-    std::shared_ptr<SftpClient> m_asked; // the connection of the questions
 };
 
 /// Makes such gatherers for all models of the process.
