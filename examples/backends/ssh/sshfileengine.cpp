@@ -220,7 +220,7 @@ QAbstractFileEngine::FileFlags SshFileEngine::fileFlags(FileFlags type) const
 {
     FileFlags flags;
     if (type & Refresh) {
-        m_files->forget(m_path);
+        m_files->distrust(m_path);
         m_hasEntry = false;
     }
     if (m_path == "/")

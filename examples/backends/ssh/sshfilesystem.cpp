@@ -152,6 +152,13 @@ bool SshFileSystem::wasChangedLocked(const QByteArray &remotePath, quint32 chang
                        });
 }
 
+void SshFileSystem::distrust(const QByteArray &remotePath)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_young.remove(remotePath);
+    m_old.remove(remotePath);
+}
+
 void SshFileSystem::forget(const QByteArray &remotePath)
 {
     const QMutexLocker locker(&m_mutex);

@@ -50,6 +50,9 @@ public:
     void remember(const QByteArray &remotePath, const SftpEntry &entry, quint32 changes);
     quint32 changeCount() const;
 
+    /// Has the path asked for anew when it is needed next; nothing was changed.
+    void distrust(const QByteArray &remotePath);
+
     /// Forgets a path that was changed, and the directory that it is in; or all that is below it
     /// as well; or everything.
     void forget(const QByteArray &remotePath);

@@ -68,7 +68,8 @@ QModelIndex RemoteFileSystemModel::setRootPath(const QString &newPath)
     const auto currentRoot = [this] { return d->index(d->node(rootPath(), true)); };
     d->hasRootPath = true;
     const bool showsDrives = path.isEmpty() || path == myComputer().toString();
-    if (path == oldPath || (!showsDrives && !QDir(path).exists()))
+    // QDir::exists() would make the engine ask anew what the caller has mostly just asked.
+    if (path == oldPath || (!showsDrives && !QFileInfo(path).isDir()))
         return currentRoot();
 
     if (!oldPath.isEmpty() && oldPath != QLatin1String(".")) {
