@@ -10,6 +10,7 @@
 #include <tul-util-gui/filedialog/remotefiledialog.h>
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLineEdit>
@@ -71,7 +72,13 @@ QString pictures; // where to; empty for none
 
 template<typename Condition> void await(const Condition &condition)
 {
-    if (!QTest::qWaitFor(condition, patience))
+    // Without the naps of the test library, which would pass for a window that stands still.
+    QTimer waker;
+    waker.start(10);
+    const QDeadlineTimer deadline(patience);
+    while (!condition() && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    if (!condition())
         std::fputs("gave up waiting\n", stderr);
 }
 

@@ -83,6 +83,7 @@ private Q_SLOTS:
     void typedNamesAreOfTheRemoteSide();
     void remoteDialogShowsRemoteRowsOnly();
     void directoriesComeFirstByNameAndSize();
+    void newRowsOfALargeListingFindTheirPlaces();
     void foreignProxyModelsAreLeftAlone();
     void hookComesLastAndTheInstanceEndsWithAnyDialog();
     void staticFunctionsReturnPathsWithoutPrefix_data();
@@ -264,6 +265,33 @@ void TestRemoteFileDialog::directoriesComeFirstByNameAndSize()
                          words(names).at(ascending ? i : 2 - i));
         }
     }
+}
+
+void TestRemoteFileDialog::newRowsOfALargeListingFindTheirPlaces()
+{
+    QStringList names;
+    for (int i = 300; i < 600; ++i) {
+        names.append(QString::number(i));
+        QVERIFY(m_far->make(q("large/") + names.last()));
+    }
+    RemoteFileSystemModel files;
+    RemoteProxyModel proxy;
+    proxy.sort(0, Qt::DescendingOrder);
+    proxy.setSourceModel(&files);
+    const QPersistentModelIndex directory = files.setRootPath(q("remote:/large"));
+    const auto shown = [&] {
+        QStringList result;
+        const QModelIndex parent = proxy.mapFromSource(directory);
+        for (int row = proxy.rowCount(parent) - 1; row >= 0; --row)
+            result.append(proxy.index(row, 0, parent).data().toString());
+        return result;
+    };
+    QTRY_COMPARE(shown(), names);
+    QTRY_VERIFY(proxy.dynamicSortFilter());
+    names.prepend(q("1"));
+    QVERIFY(m_far->make(q("large/1")));
+    files.refresh(directory);
+    QTRY_COMPARE(shown(), names);
 }
 
 void TestRemoteFileDialog::foreignProxyModelsAreLeftAlone()

@@ -2,6 +2,19 @@
 #include <tul-util-gui/filedialog/remotesettings_p.h>
 #include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
 
+#include <QElapsedTimer>
+#include <QTimerEvent>
+
+#include <utility>
+
+namespace
+{
+
+const int manyRows = 100; // for which the base class would not look one by one
+const int pauseFactor = 3; // between two sorts, in times of the first
+
+} // namespace
+
 RemoteProxyModel::RemoteProxyModel(QObject *parent)
     : QSortFilterProxyModel(parent)
 {
@@ -13,6 +26,46 @@ void RemoteProxyModel::setLocation(RemoteFileDialog::FileSystemLocation location
 {
     m_location = location;
     invalidateFilter();
+}
+
+void RemoteProxyModel::setSourceModel(QAbstractItemModel *sourceModel)
+{
+    for (const QMetaObject::Connection &connection : m_connections)
+        disconnect(connection);
+    if (sourceModel) {
+        // Before the base class connects itself, to be told first.
+        m_connections = {connect(sourceModel, &QAbstractItemModel::rowsAboutToBeInserted, this,
+                                 [this](const QModelIndex &, int first, int last) {
+                                     prepareForRows(last - first + 1);
+                                 }),
+                         connect(sourceModel, &QAbstractItemModel::dataChanged, this, [this] {
+                             m_missedChange = m_missedChange || m_sortTimer.isActive();
+                         })};
+    }
+    QSortFilterProxyModel::setSourceModel(sourceModel);
+}
+
+void RemoteProxyModel::prepareForRows(int count)
+{
+    if (count < manyRows || !dynamicSortFilter() || sortColumn() < 0)
+        return;
+    setDynamicSortFilter(false);
+    m_sortTimer.start(m_sortPause, this);
+}
+
+void RemoteProxyModel::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() != m_sortTimer.timerId()) {
+        QSortFilterProxyModel::timerEvent(event);
+        return;
+    }
+    m_sortTimer.stop();
+    QElapsedTimer time;
+    time.start();
+    setDynamicSortFilter(true);
+    m_sortPause = pauseFactor * static_cast<int>(time.elapsed());
+    if (std::exchange(m_missedChange, false))
+        invalidateFilter();
 }
 
 bool RemoteProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex &sourceParent) const
@@ -34,7 +87,12 @@ bool RemoteProxyModel::lessThan(const QModelIndex &left, const QModelIndex &righ
     const bool rightIsDir = files->isDir(right);
     switch (left.column()) {
     case RemoteFileSystemModel::NameColumn:
-        return leftIsDir == rightIsDir ? QSortFilterProxyModel::lessThan(left, right) : leftIsDir;
+        if (leftIsDir != rightIsDir)
+            return leftIsDir;
+        // The base comparison does the same, by way of variants.
+        return comparesShownNames()
+            ? files->fileName(left).localeAwareCompare(files->fileName(right)) < 0
+            : QSortFilterProxyModel::lessThan(left, right);
     case RemoteFileSystemModel::SizeColumn:
         return leftIsDir == rightIsDir ? files->size(left) < files->size(right) : leftIsDir;
     case RemoteFileSystemModel::DateColumn:
@@ -42,4 +100,9 @@ bool RemoteProxyModel::lessThan(const QModelIndex &left, const QModelIndex &righ
     default:
         return QSortFilterProxyModel::lessThan(left, right);
     }
+}
+
+bool RemoteProxyModel::comparesShownNames() const
+{
+    return isSortLocaleAware() && (sortRole() == Qt::DisplayRole || sortRole() == Qt::EditRole);
 }
