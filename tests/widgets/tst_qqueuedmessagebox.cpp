@@ -79,6 +79,7 @@ class TestQQueuedMessageBox : public TestCase
 private Q_SLOTS:
     void answerIsReportedAsTheKindOfBoxAsks();
     void boxesComeOneAfterTheOtherInTheOrderOfTheCalls();
+    void boxesThatALoopWaitsForComeWhileItRuns();
     void whoeverGoesWheneverNobodyElseSuffers();
 };
 
@@ -147,6 +148,33 @@ void TestQQueuedMessageBox::boxesComeOneAfterTheOtherInTheOrderOfTheCalls()
     receiver.ask(&parent, "A");
     receiver.ask(nullptr, "B");
     QTRY_COMPARE(user.seen, QStringLiteral("ABCD"));
+}
+
+void TestQQueuedMessageBox::boxesThatALoopWaitsForComeWhileItRuns()
+{
+    // The loop runs inside that of A, which is closed meanwhile or covered by a modal dialog.
+    for (const bool covered : {false, true}) {
+        Receiver first, second;
+        QDialog dialog;
+        dialog.setModal(true);
+        const User user([&](Box &box) {
+            if (box.text() != QLatin1String("A"))
+                return box.accept();
+            QTimer::singleShot(0, &box, [&] {
+                second.ask(covered ? &dialog : nullptr, "B");
+                second.ask(covered ? &dialog : nullptr, "C");
+                dialog.setVisible(covered);
+                box.setVisible(covered);
+                QTRY_COMPARE(second.heard, QStringLiteral("0 0 "));
+                QVERIFY(first.heard.isEmpty());
+                dialog.hide();
+                box.accept();
+            });
+        });
+        first.ask(nullptr, "A");
+        QTRY_COMPARE(first.heard, QStringLiteral("0 "));
+        QCOMPARE(user.seen, QStringLiteral("ABC"));
+    }
 }
 
 void TestQQueuedMessageBox::whoeverGoesWheneverNobodyElseSuffers()

@@ -1,19 +1,59 @@
 #include <tul-util-gui/widgets/qqueuedmessagebox.h>
 
+#include <QApplication>
+#include <QBasicTimer>
 #include <QDialogButtonBox>
+#include <QEvent>
 #include <QPushButton>
 #include <QVector>
+
+#include <functional>
+#include <utility>
 
 namespace
 {
 
-// Those that wait, in the order of the calls; the first one may be on the screen. The queue of
-// posted events alone would start the second one inside the first one's modal loop, on top of it.
+// Those that wait or are on the screen, in the order of the calls. The queue of posted events alone
+// would start the second one inside the first one's modal loop, on top of it.
 QVector<QQueuedMessageBox *> &queue()
 {
     static QVector<QQueuedMessageBox *> boxes;
     return boxes;
 }
+
+/// Tells when a box has been closed but its exec() does not return, because a slot that was called
+/// from there runs an event loop of its own. Such a loop may wait for the next box.
+class HangingBox : public QObject
+{
+public:
+    HangingBox(QMessageBox *box, std::function<void()> tell)
+        : m_tell(std::move(tell))
+    {
+        box->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject * /*watched*/, QEvent *event) override
+    {
+        if (event->type() == QEvent::Hide && !event->spontaneous())
+            m_timer.start(10, this);
+        return false;
+    }
+
+protected:
+    void timerEvent(QTimerEvent * /*event*/) override
+    {
+        // The first one may still come from the box's own loop, on its last round.
+        if (++m_rounds < 2)
+            return;
+        m_timer.stop();
+        m_tell();
+    }
+
+private:
+    const std::function<void()> m_tell;
+    QBasicTimer m_timer;
+    int m_rounds = 0; // of event loops since the box was closed
+};
 
 void addButtons(QMessageBox &box, QMessageBox::StandardButtons buttons,
                 QMessageBox::StandardButton defaultButton)
@@ -121,19 +161,42 @@ void QQueuedMessageBox::showNewMessageBox(QWidget *parent, QMessageBox::Icon ico
 
 void QQueuedMessageBox::run()
 {
-    if (queue().value(0) != this)
-        return; // its turn comes when those before it have left
+    if (!isItsTurn())
+        return; // it comes when another one has left
     const QPointer<QQueuedMessageBox> self(this);
     showBox();
     if (self)
         deleteLater();
 }
 
+/// Boxes wait for those before them. But a modal dialog above these, which opened later, keeps the
+/// user from closing them; a box that belongs to it comes at once.
+bool QQueuedMessageBox::isItsTurn() const
+{
+    if (m_shown)
+        return false;
+    if (queue().value(0) == this)
+        return true;
+    const QWidget *const modal = QApplication::activeModalWidget();
+    const QWidget *each = m_box ? m_box->parentWidget() : nullptr;
+    while (each && each != modal)
+        each = each->parentWidget();
+    return each;
+}
+
 /// Nobody is told anything when the box or this object goes while the box is up.
 void QQueuedMessageBox::showBox()
 {
     const QPointer<QQueuedMessageBox> self(this);
-    const int result = m_box ? m_box->exec() : -1;
+    m_shown = true;
+    int result = -1;
+    if (m_box) {
+        HangingBox watch(m_box, [self] {
+            if (self)
+                self->leaveQueue();
+        });
+        result = m_box->exec();
+    }
     if (!self)
         return;
     // Before the answer, so that a slot which starts an event loop gets the next box there.
@@ -153,8 +216,10 @@ void QQueuedMessageBox::showBox()
 
 void QQueuedMessageBox::leaveQueue()
 {
-    const bool wasFirst = queue().value(0) == this;
-    queue().removeAll(this);
-    if (wasFirst && !queue().isEmpty())
-        queue().first()->enqueue(0);
+    if (!queue().removeOne(this))
+        return;
+    for (QQueuedMessageBox *const waiting : qAsConst(queue())) {
+        if (!waiting->m_shown)
+            waiting->enqueue(0);
+    }
 }

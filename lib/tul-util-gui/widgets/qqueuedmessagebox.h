@@ -13,6 +13,11 @@
 /// signal. Such code calls one of the static functions, which return at once, and names an object
 /// and a slot for the answer. The boxes are modal and come one after the other in the order of the
 /// calls: each waits until the one before it has been closed. The slot may ask for the next one.
+/// Only a box whose parent is in a modal dialog that stands above a shown one comes at once.
+///
+/// The answer comes when control is back at the box, and before the next box. But when a slot that
+/// was called while the box was up runs an event loop of its own, the next box does not wait for
+/// that loop to end, and the answer may follow later.
 ///
 /// *Ownership*: `parent`, which may be null, owns what waits or is shown; what is left is deleted
 /// after the answer. When the parent goes first, its boxes go too, shown or not, and nothing is
@@ -75,8 +80,10 @@ private:
                                   QMessageBox::StandardButton defaultButton, QObject *receiver,
                                   const char *member, QObject *noReceiver, const char *noMember);
     void run() override;
+    bool isItsTurn() const;
     void showBox();
     void leaveQueue();
 
     const QPointer<QMessageBox> m_box; // owned, but its parent may be faster
+    bool m_shown = false; // it has had its turn
 };
