@@ -8,8 +8,7 @@
 
 class DetailsWidgetPrivate;
 
-/// A collapsible panel: a summary bar that always shows, and below it details that can be shown and
-/// hidden.
+/// A collapsible panel: a summary bar, and below it details that can be shown and hidden.
 ///
 /// Use it where a form has more settings than most users need, or a list has entries with much to
 /// say. The bar holds, from left to right, an optional check box, a summary that may have links, an

@@ -83,7 +83,8 @@ bool DockWidgetTabMovedHelper::eventFilter(QObject * /*watched*/, QEvent *event)
 }
 
 /// The toolkit has moved the item of the dock already, and rightly so where the tab went one place
-/// on. Moving it once more would put it back; so the two orders are compared instead.
+/// on, past closed docks too. Moving it once more would put it back; so the two orders are compared
+/// instead.
 void DockWidgetTabMovedHelper::tabMoved(int /*from*/, int /*to*/)
 {
     auto *const window = qobject_cast<QMainWindow *>(parent());

@@ -22,8 +22,7 @@ class QTabBar;
 ///
 /// *By design*: every tab bar that is a direct child of the window becomes movable, also one that
 /// shows no docks. A bar that shows docks is rebuilt, within the move, only when the toolkit's own
-/// record of the order is not right, which is when a tab was moved over several places at once or
-/// past a closed dock.
+/// record of the order is not right, which is when a tab was moved over several places at once.
 class TUL_UTIL_GUI_EXPORT DockWidgetTabMovedHelper : public QObject
 {
     Q_OBJECT

@@ -130,9 +130,11 @@ QFont FlatCommandLinkButton::descriptionFont() const
     return result;
 }
 
-/// The size of the icon as it is painted; 0 x 0 without one, for which the toolkit says -1.
+/// The size of the icon as it is painted.
 QSize FlatCommandLinkButton::iconExtent() const
 {
+    // By design: 0 x 0 without an icon, for which the toolkit says -1; the texts stand as they do
+    // beside an icon of no width.
     return icon().actualSize(iconSize()).expandedTo(QSize(0, 0));
 }
 

@@ -16,9 +16,8 @@ class StringListEditDialog;
 /// A dialog in which the user edits a list of strings in place: adds, changes and removes entries.
 ///
 /// The host gives it a list, executes it and takes the list back. Empty entries are not kept: one
-/// that is edited until it is empty is removed, and so is a new one whose editing is cancelled
-/// before anything is typed. Entries that the host itself gives as empty stay until they are
-/// edited.
+/// that is edited until it is empty is removed, and so is a new one whose editing is cancelled.
+/// Entries that the host itself gives as empty stay until they are edited.
 ///
 /// *By design*: stringList() tells the edited list whether the dialog was accepted or not; the host
 /// decides. One click on Remove, or one press of Delete, removes one entry.
