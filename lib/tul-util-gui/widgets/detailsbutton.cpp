@@ -20,10 +20,10 @@ const int fadeTime = 200; // milliseconds
 /// Width, height, arrow, checked, down, hover, enabled.
 using RenderingKey = std::tuple<int, int, bool, bool, bool, bool, bool>;
 
-/// What the key says nothing of: both texts, font, palette, colour group, background role, bounds,
-/// ratio and highlight.
-using CommonLook = std::tuple<QString, QString, QFont, qint64, QPalette::ColorGroup,
-                              QPalette::ColorRole, QRect, qreal, int>;
+struct Rendering {
+    QPixmap pixmap;
+    tul::DetailsButtonLook look; // what the key says nothing of may have changed since
+};
 
 } // namespace
 
@@ -38,12 +38,11 @@ public:
     QString textFor(bool checked) const;
     int highlight() const;
     void fadeTo(float level) const;
+    tul::DetailsButtonLook look() const;
     QPixmap rendering();
-    CommonLook commonLook(bool hover) const;
 
     DetailsButton *const q;
-    QMap<RenderingKey, QPixmap> cache;
-    CommonLook cachedLook; // of all pixmaps in the cache
+    QMap<RenderingKey, Rendering> cache;
     float fader = 0; // level of the highlight, 0 to 1
     const bool gradientEnabled = tul::displayHasManyColours();
     const bool animationEnabled = gradientEnabled;
@@ -80,55 +79,34 @@ void DetailsButtonPrivate::fadeTo(float level) const
     animation->start(QAbstractAnimation::DeleteWhenStopped);
 }
 
-CommonLook DetailsButtonPrivate::commonLook(bool hover) const
+tul::DetailsButtonLook DetailsButtonPrivate::look() const
 {
-    // The disabled group is in the key.
-    const QPalette &palette = q->palette();
-    const auto group
-        = palette.currentColorGroup() == QPalette::Inactive ? QPalette::Inactive : QPalette::Active;
-    return {textFor(false),
-            textFor(true),
-            q->font(),
-            palette.cacheKey(),
-            group,
-            q->backgroundRole(),
-            q->rect(),
-            q->devicePixelRatioF(),
-            hover ? highlight() : 0};
-}
-
-QPixmap DetailsButtonPrivate::rendering()
-{
-    const bool down = q->isDown() && !animationEnabled;
-    const bool hover = !q->isDown() && fader > 0 && !animationEnabled;
-    CommonLook common = commonLook(hover);
-    if (common != cachedLook) {
-        cache.clear();
-        cachedLook = std::move(common);
-    }
-    const QSize size = q->contentsRect().size();
-    const RenderingKey key(size.width(), size.height(), false, q->isChecked(), down, hover,
-                           q->isEnabled());
-    const auto found = cache.constFind(key);
-    if (found != cache.constEnd())
-        return *found;
-
     tul::DetailsButtonLook look;
-    look.size = size;
+    look.size = q->contentsRect().size();
     look.bounds = q->rect();
     look.ratio = q->devicePixelRatioF();
     look.checked = q->isChecked();
-    look.down = down;
-    look.hover = hover;
+    look.down = q->isDown() && !animationEnabled;
+    look.hover = !q->isDown() && fader > 0 && !animationEnabled;
     look.gradient = gradientEnabled;
     look.translucent = animationEnabled;
-    look.highlight = highlight();
-    look.text = q->detailButtonText();
+    look.highlight = look.hover ? highlight() : 0;
+    look.text = textFor(q->isChecked());
     look.font = q->font();
     look.textColour = q->palette().color(QPalette::Text);
     look.background = q->palette().color(q->backgroundRole());
     look.style = q->style();
-    return *cache.insert(key, QPixmap::fromImage(tul::renderDetailsButton(look)));
+    return look;
+}
+
+QPixmap DetailsButtonPrivate::rendering()
+{
+    const tul::DetailsButtonLook now = look();
+    Rendering &kept = cache[RenderingKey(now.size.width(), now.size.height(), now.arrow,
+                                         now.checked, now.down, now.hover, q->isEnabled())];
+    if (kept.pixmap.isNull() || !(kept.look == now))
+        kept = {QPixmap::fromImage(tul::renderDetailsButton(now)), now};
+    return kept.pixmap;
 }
 
 DetailsButton::DetailsButton(QWidget *parent)

@@ -15,8 +15,9 @@ class DetailsButtonPrivate;
 /// setDetailButtonText(); QAbstractButton::text() plays no part. Screen readers get the shown text
 /// and, from a checkable button, whether it is expanded.
 ///
-/// Each size and state is rendered once and then kept for as long as texts, font, palette and
-/// device pixel ratio stay, so that a frame of the fading costs one fill and one pixmap.
+/// Each size and state is rendered once and then kept; it is rendered again only when it is to be
+/// painted with another text, font, colour, style, margin or device pixel ratio. So a frame of the
+/// fading costs one fill and one pixmap.
 ///
 /// *By design*: where the display has fewer than 16 bits of colour, which is asked once, at
 /// construction, nothing is translucent and nothing fades. Enter and leave events do not reach the

@@ -7,6 +7,8 @@
 #include <QRect>
 #include <QString>
 
+#include <tuple>
+
 class QStyle;
 
 namespace tul
@@ -29,6 +31,16 @@ struct DetailsButtonLook {
     QColor textColour;
     QColor background; // shows through where nothing can be translucent
     const QStyle *style = nullptr; // draws the arrow
+
+    bool operator==(const DetailsButtonLook &other) const
+    {
+        const auto fields = [](const DetailsButtonLook &look) {
+            return std::tie(look.size, look.bounds, look.ratio, look.arrow, look.checked, look.down,
+                            look.hover, look.gradient, look.translucent, look.highlight, look.text,
+                            look.font, look.textColour, look.background, look.style);
+        };
+        return fields(*this) == fields(other);
+    }
 };
 
 /// The picture; null for an empty size.
