@@ -80,7 +80,7 @@ class TestDetailsWidget : public TestCase
 private Q_SLOTS:
     void controlsFollowStateAndFlags();
     void actionsChangeTheStateAndTellSo();
-    void panelMayGoWhileItTells();
+    void panelMayGoOrChangeWhileItTells();
     void detailsAndToolsAreReplacedDeletedAndLost();
     void docksAndScrollAreasFollowAtOnce();
     void barIsPaintedInLayersAsHighAsItsControls();
@@ -149,15 +149,33 @@ void TestDetailsWidget::actionsChangeTheStateAndTellSo()
     }
 }
 
-void TestDetailsWidget::panelMayGoWhileItTells()
+void TestDetailsWidget::panelMayGoOrChangeWhileItTells()
 {
     // But not what a button of the toolkit sets off by toggling: it uses itself afterwards.
-    for (const char action : {'b', 'l', 'a', 'E'}) {
+    for (const char action : {'b', 'l', 'a', 'E', 'n'}) {
         QPointer<Panel> panel = new Panel;
         panel->whenTold = [&] { delete panel; };
+        if (action == 'n') {
+            panel->act('w');
+            connect(panel->widget(), &QObject::destroyed, this, panel->whenTold);
+        }
         panel->act(action);
         QVERIFY(!panel);
     }
+
+    Panel panel;
+    auto *const details = new QDockWidget;
+    panel.setWidget(details);
+    panel.whenTold = [&] {
+        if (panel.log == QLatin1String("link"))
+            panel.act('l');
+    };
+    panel.act('a');
+    QCOMPARE(panel.log, QStringLiteral("link+"));
+    connect(details, &QDockWidget::visibilityChanged, &panel, [&] { panel.act('C'); });
+    panel.act('C');
+    panel.act('E'); // is told only when the details have taken it back
+    QCOMPARE(panel.log, QStringLiteral("link+---"));
 }
 
 void TestDetailsWidget::detailsAndToolsAreReplacedDeletedAndLost()
@@ -183,7 +201,13 @@ void TestDetailsWidget::detailsAndToolsAreReplacedDeletedAndLost()
     auto *const tool = new QWidget;
     auto *const editor = new QLineEdit(tool);
     panel.setToolWidget(formerTool);
+    panel.act('N');
     panel.setToolWidget(tool);
+    panel.act('C');
+    QVERIFY(formerTool->isVisibleTo(&panel) && tool->isVisibleTo(&panel));
+    panel.act('N');
+    QVERIFY(!formerTool->isVisibleTo(&panel) && !tool->isVisibleTo(&panel));
+    panel.act('C');
     QCOMPARE(formerTool->parentWidget(), &panel);
     QCOMPARE(panel.checkBox->nextInFocusChain(), editor);
     QCOMPARE(editor->nextInFocusChain(), panel.button);

@@ -17,14 +17,17 @@
 #include <QSignalBlocker>
 #include <QSpacerItem>
 #include <QVarLengthArray>
+#include <QVector>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
 
 const int barMargin = 6;
 const int columns = 5; // check box margin, check box, summary, tool widget, button
+const int toolColumn = 3;
 
 struct CachedBar {
     QPixmap pixmap;
@@ -75,7 +78,8 @@ public:
 
     void changeState(DetailsWidget::State newState);
     void updateControls();
-    void updateToolWidget();
+    void updateToolWidgets();
+    void withdrawToolWidgets();
     void updateTabOrder() const;
     bool isReleased() const { return !useCheckBox || summaryCheckBox->isChecked(); }
     void nameControls() const;
@@ -98,7 +102,7 @@ public:
     bool useCheckBox = false;
     bool detailButtonVisible = true;
     bool detailButtonEnabled = true;
-    bool toolWidgetWithdrawn = false; // hidden by NoSummary and not by the host
+    QVector<QPointer<QWidget>> withdrawn; // tool widgets hidden by NoSummary and not by the host
     const bool useGradient = tul::displayHasManyColours();
     const bool translucent = useGradient;
     bool toggleDetailsOnSummaryBarClicks = true;
@@ -152,7 +156,8 @@ void DetailsWidgetPrivate::changeState(DetailsWidget::State newState)
         return;
     tul::announceExpansion(q);
     tul::announceExpansion(detailsButton);
-    Q_EMIT q->expanded(newState == DetailsWidget::Expanded);
+    // As it is by now: what has just been shown or announced may have changed it again.
+    Q_EMIT q->expanded(state == DetailsWidget::Expanded);
 }
 
 /// May end with the panel deleted, by code that the layouts around it run.
@@ -171,24 +176,45 @@ void DetailsWidgetPrivate::updateControls()
     detailsButton->setVisible(hasSummary && detailButtonVisible);
     summaryLabel->setVisible(hasSummary);
     summaryCheckBox->setVisible(hasSummary && useCheckBox);
-    updateToolWidget();
+    updateToolWidgets();
     updateLayoutsAround(q);
 }
 
-void DetailsWidgetPrivate::updateToolWidget()
+void DetailsWidgetPrivate::updateToolWidgets()
 {
-    if (!toolWidget)
-        return;
-    toolWidget->setEnabled(isReleased());
+    if (toolWidget)
+        toolWidget->setEnabled(isReleased());
     if (state == DetailsWidget::NoSummary) {
+        withdrawToolWidgets();
+        return;
+    }
+    // Showing them may change the state again.
+    const auto returning = std::exchange(withdrawn, {});
+    for (const QPointer<QWidget> &tool : returning) {
+        if (tool)
+            tool->show();
+    }
+}
+
+/// Former ones, which stay in the bar, go with it like the present one.
+void DetailsWidgetPrivate::withdrawToolWidgets()
+{
+    QVector<QPointer<QWidget>> hiding;
+    for (int i = 0; i < grid->count(); ++i) {
+        int row = 0, column = 0, rows = 0, spanned = 0;
+        grid->getItemPosition(i, &row, &column, &rows, &spanned);
+        if (row == 0 && column == toolColumn)
+            hiding.append(grid->itemAt(i)->widget());
+    }
+    for (const QPointer<QWidget> &tool : qAsConst(hiding)) {
+        if (!tool)
+            continue;
         // Until the event loop shows it, a new one is hidden, too, but by nobody.
         const bool hiddenByHost
-            = toolWidget->isHidden() && toolWidget->testAttribute(Qt::WA_WState_ExplicitShowHide);
-        toolWidgetWithdrawn = toolWidgetWithdrawn || !hiddenByHost;
-        toolWidget->hide();
-    } else if (toolWidgetWithdrawn) {
-        toolWidgetWithdrawn = false;
-        toolWidget->show();
+            = tool->isHidden() && tool->testAttribute(Qt::WA_WState_ExplicitShowHide);
+        if (!hiddenByHost && !withdrawn.contains(tool))
+            withdrawn.append(tool);
+        tool->hide();
     }
 }
 
@@ -412,13 +438,12 @@ void DetailsWidget::setToolWidget(QWidget *widget)
     }
     // By design: a former one stays in its cell, for hosts that keep it.
     d->toolWidget = widget;
-    d->toolWidgetWithdrawn = false;
     if (!widget)
         return;
     widget->adjustSize();
-    d->grid->addWidget(widget, 0, 3, Qt::AlignRight);
+    d->grid->addWidget(widget, 0, toolColumn, Qt::AlignRight);
     d->updateTabOrder();
-    d->updateToolWidget();
+    d->updateToolWidgets();
 }
 
 QWidget *DetailsWidget::widget() const
@@ -433,7 +458,8 @@ void DetailsWidget::setWidget(QWidget *widget, int padding)
         return;
     }
     if (widget != d->widget) {
-        QWidget *const former = d->widget;
+        const QPointer<DetailsWidget> self(this);
+        const QPointer<QWidget> former = d->widget;
         if (former) {
             disconnect(former, &QObject::destroyed, this, nullptr);
             d->grid->removeWidget(former);
@@ -444,9 +470,14 @@ void DetailsWidget::setWidget(QWidget *widget, int padding)
             d->grid->addWidget(widget, 2, 0, 1, columns);
             connect(widget, &QObject::destroyed, this, [this] { d->detailsWidgetGone(); });
         }
-        delete former; // last, in case that it held the new one
+        // Last, in case that it held the new one, and on its own, in case that the panel goes now.
+        if (former)
+            former->setParent(nullptr);
+        delete former;
+        if (!self)
+            return;
     }
-    d->detailsButton->setCheckable(widget);
+    d->detailsButton->setCheckable(d->widget);
     d->updateControls();
 }
 

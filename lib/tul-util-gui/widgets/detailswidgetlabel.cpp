@@ -3,6 +3,8 @@
 #include <QMouseEvent>
 #include <QPointer>
 
+#include <utility>
+
 DetailsWidgetLabel::DetailsWidgetLabel(QWidget *parent)
     : QLabel(parent)
 {
@@ -12,9 +14,12 @@ DetailsWidgetLabel::DetailsWidgetLabel(QWidget *parent)
 void DetailsWidgetLabel::mouseReleaseEvent(QMouseEvent *event)
 {
     const QPointer<DetailsWidgetLabel> self(this);
-    m_linkActivated = false;
+    // Whoever follows the link may run an event loop in which the label is clicked again.
+    const bool outer = std::exchange(m_linkActivated, false);
     QLabel::mouseReleaseEvent(event);
-    // Whoever followed the link may have deleted the panel.
-    if (self && !m_linkActivated && event->button() == Qt::LeftButton)
+    if (!self) // or may have deleted the panel
+        return;
+    const bool followed = std::exchange(m_linkActivated, outer);
+    if (!followed && event->button() == Qt::LeftButton)
         Q_EMIT labelBackgroundClicked();
 }
