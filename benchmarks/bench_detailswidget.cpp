@@ -1,6 +1,6 @@
 // The details panel beside a plain widget whose content is shown and hidden, in the same run: the
-// same form in the same scroll area. And a frame of the details button's fading beside the least
-// that such a frame can be, one fill and one pixmap.
+// same form in the same scroll area, below a label and a button. And a frame of the details
+// button's fading beside the least that such a frame can be, one fill and one pixmap.
 
 #include <tul-util-gui/widgets/detailsbutton.h>
 #include <tul-util-gui/widgets/detailswidget.h>
@@ -9,9 +9,11 @@
 
 #include <QApplication>
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
@@ -27,8 +29,8 @@ QWidget *newForm(int fields)
     return form;
 }
 
-/// Shows `panel` in a scroll area of 800 x 600.
-void showInArea(QScrollArea &area, QWidget *panel)
+/// Shows `panel` in a scroll area of 800 x 600, which is painted from then on or not.
+void showInArea(QScrollArea &area, QWidget *panel, bool painted)
 {
     auto *const content = new QWidget;
     auto *const layout = new QVBoxLayout(content);
@@ -38,16 +40,16 @@ void showInArea(QScrollArea &area, QWidget *panel)
     area.setWidgetResizable(true);
     area.resize(800, 600);
     area.show();
+    area.setUpdatesEnabled(painted);
     QApplication::processEvents();
 }
 
-/// Delivers layout requests and, if asked, repaints.
-void settle(QScrollArea &area, bool painted)
+/// Delivers all events. A round of events gets to the next widget outwards: of panel, content, area
+/// and its scroll bars.
+void settle(const QScrollArea &area)
 {
-    if (painted)
+    for (int round = 0; round < 5; ++round)
         QApplication::processEvents();
-    else
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     benchmark::DoNotOptimize(area.widget()->height());
 }
 
@@ -58,12 +60,12 @@ void toggleDetailsWidget(benchmark::State &state)
     auto *const panel = new DetailsWidget;
     panel->setSummaryText(QStringLiteral("Summary"));
     panel->setWidget(newForm(static_cast<int>(state.range(0))));
-    showInArea(area, panel);
+    showInArea(area, panel, state.range(1));
     for (auto iteration : state) {
         Q_UNUSED(iteration)
         panel->setState(panel->state() == DetailsWidget::Expanded ? DetailsWidget::Collapsed
                                                                   : DetailsWidget::Expanded);
-        settle(area, state.range(1));
+        settle(area);
     }
 }
 
@@ -71,15 +73,16 @@ void togglePlainContent(benchmark::State &state)
 {
     QScrollArea area;
     auto *const panel = new QWidget;
-    auto *const layout = new QVBoxLayout(panel);
+    auto *const layout = new QGridLayout(panel);
     auto *const form = newForm(static_cast<int>(state.range(0)));
-    layout->addWidget(new QLabel(QStringLiteral("Summary")));
-    layout->addWidget(form);
-    showInArea(area, panel);
+    layout->addWidget(new QLabel(QStringLiteral("Summary")), 0, 0);
+    layout->addWidget(new QPushButton(QStringLiteral("Details")), 0, 1);
+    layout->addWidget(form, 1, 0, 1, 2);
+    showInArea(area, panel, state.range(1));
     for (auto iteration : state) {
         Q_UNUSED(iteration)
         form->setVisible(form->isHidden());
-        settle(area, state.range(1));
+        settle(area);
     }
 }
 
