@@ -1,4 +1,5 @@
 #include <support/faultyfolder.h>
+#include <support/literal.h>
 #include <support/modalsteps.h>
 #include <support/testcase.h>
 #include <tul-util-gui/filedialog/filedialog.h>
@@ -22,13 +23,9 @@
 namespace
 {
 
-QString q(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
 /// The page, over a remote machine with two files in "remote:/dir".
 struct ShownPage {
+    const QTemporaryDir settings;
     FaultyFolder far;
     FilesPage page;
     QTreeView *const view = page.findChild<QTreeView *>();
@@ -37,19 +34,20 @@ struct ShownPage {
 
     ShownPage()
     {
-        far.make(q("dir/a"));
-        far.make(q("dir/b"));
-        page.goTo(q("remote:/dir"));
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+        far.make("dir/a"_s);
+        far.make("dir/b"_s);
+        page.goTo("remote:/dir"_s);
     }
 
     QString shown() const { return page.findChild<QLineEdit *>()->text(); }
     int rows() const { return model->rowCount(view->rootIndex()); }
-    void select(const char *path) { view->setCurrentIndex(model->index(q(path))); }
+    void select(const QString &path) { view->setCurrentIndex(model->index(path)); }
 
-    void trigger(const char *text)
+    void trigger(const QString &text)
     {
         for (QAction *const action : page.findChildren<QAction *>()) {
-            if (action->text().remove(QLatin1Char('&')) == q(text))
+            if (action->text().remove(QLatin1Char('&')) == text)
                 action->trigger();
         }
     }
@@ -69,105 +67,87 @@ class TestFilesPage : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-
-    void placesAndActionsLeadToBothSides();
-    void foldersAreMadeAndFilesRemovedAfterAQuestion();
-    void requestsShowDialogsAndTheirAnswers();
-
-private:
-    QTemporaryDir m_settings;
-};
-
-void TestFilesPage::initTestCase()
-{
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_settings.path());
-}
-
-void TestFilesPage::placesAndActionsLeadToBothSides()
-{
-    ShownPage shown;
-    QTRY_COMPARE(shown.rows(), 2);
-    shown.trigger("Up");
-    QCOMPARE(shown.shown(), q("remote:"));
-    shown.trigger("This Machine");
-    QCOMPARE(shown.shown(), QDir::homePath());
-    Q_EMIT shown.page.findChild<RemoteSidebar *>()->goToUrl(QUrl(q("file:")));
-    QCOMPARE(shown.shown(), shown.model->myComputer().toString());
-    shown.trigger("Up"); // there is nothing above
-    shown.trigger("Remote Machine");
-    QCOMPARE(shown.shown(), q("remote:"));
-    shown.select("remote:/dir");
-    Q_EMIT shown.view->activated(shown.view->currentIndex());
-    QCOMPARE(shown.shown(), q("remote:/dir"));
-    QCOMPARE(shown.faults.count(), 0);
-    for (const char *const here : {"remote:/dir", ""}) {
-        shown.page.goTo(q(here));
-        shown.page.goTo(q("remote:/<b>none"));
-        QVERIFY(shown.faults.takeFirst().first().toString().contains(q("remote:/<b>none")));
-        QVERIFY(shown.faults.isEmpty());
-    }
-}
-
-void TestFilesPage::foldersAreMadeAndFilesRemovedAfterAQuestion()
-{
-    ShownPage shown;
-    QTRY_COMPARE(shown.rows(), 2);
-    shown.trigger("New Folder");
-    shown.trigger("New Folder");
-    QVERIFY(QFileInfo(shown.far.local(q("dir/New Folder 2"))).isDir());
-    QTRY_COMPARE(shown.rows(), 4);
-
-    shown.select("remote:/dir/a");
-    shown.trigger("Delete");
-    shown.answer(QMessageBox::No);
-    QVERIFY(QFile::exists(shown.far.local(q("dir/a"))));
-    shown.trigger("Delete");
-    shown.answer(QMessageBox::Yes);
-    QVERIFY(!QFile::exists(shown.far.local(q("dir/a"))));
-    QTRY_COMPARE(shown.rows(), 3);
-
-    QVERIFY(shown.far.make(q("dir/c")) && QFile::remove(shown.far.local(q("dir/b"))));
-    QVERIFY(shown.far.make(q("dir/d")));
-    shown.trigger("Refresh"); // nothing watches the remote side
-    QTRY_COMPARE(shown.rows(), 4);
-
-    shown.far.broken = true;
-    shown.select("remote:/dir/c");
-    shown.page.removeSelected();
-    shown.page.makeFolder();
-    QCOMPARE(shown.faults.count(), 2);
-}
-
-void TestFilesPage::requestsShowDialogsAndTheirAnswers()
-{
-    ShownPage shown;
-    FileDialog::setAllFilesLocal(false);
-    auto *const requests = shown.page.findChild<FileRequests *>();
-    const QList<QPushButton *> buttons = requests->findChildren<QPushButton *>();
-    QCOMPARE(buttons.size(), 13);
-    int remote = 0;
-    const ModalSteps steps(QVector<ModalSteps::Step>(13, [&](QWidget *window) {
-        auto *const dialog = qobject_cast<RemoteFileDialog *>(window);
-        remote += dialog != nullptr;
-        if (remote == 1 && dialog) {
-            auto *const edit = dialog->findChild<QLineEdit *>(q("fileNameEdit"));
-            edit->setText(q("/dir/a"));
-            QTest::keyClick(edit, Qt::Key_Return);
-        } else {
-            QTest::keyClick(window, Qt::Key_Escape);
+    void placesAndActionsLeadToBothSides()
+    {
+        ShownPage shown;
+        QTRY_COMPARE(shown.rows(), 2);
+        shown.trigger("Up"_s);
+        QCOMPARE(shown.shown(), "remote:"_s);
+        shown.trigger("This Machine"_s);
+        QCOMPARE(shown.shown(), QDir::homePath());
+        Q_EMIT shown.page.findChild<RemoteSidebar *>()->goToUrl(QUrl("file:"_s));
+        QCOMPARE(shown.shown(), shown.model->myComputer().toString());
+        shown.trigger("Up"_s); // there is nothing above
+        shown.trigger("Remote Machine"_s);
+        QCOMPARE(shown.shown(), "remote:"_s);
+        shown.select("remote:/dir"_s);
+        Q_EMIT shown.view->activated(shown.view->currentIndex());
+        QCOMPARE(shown.shown(), "remote:/dir"_s);
+        QCOMPARE(shown.faults.count(), 0);
+        for (const QString &here : {"remote:/dir"_s, QString()}) {
+            shown.page.goTo(here);
+            shown.page.goTo("remote:/<b>none"_s);
+            QVERIFY(shown.faults.takeFirst().first().toString().contains("remote:/<b>none"_s));
+            QVERIFY(shown.faults.isEmpty());
         }
-    }));
-    const auto answer = [&] { return requests->findChildren<QLabel *>().constLast()->text(); };
-    for (QPushButton *const button : buttons) {
-        button->click();
-        QVERIFY2(answer().endsWith(remote == 1 ? q(" /dir/a") : q(" nothing")),
-                 qPrintable(answer()));
-        remote += remote == 1;
     }
-    QCOMPARE(remote, 9 + 1);
-    FileDialog::setAllFilesLocal(true);
-}
+
+    void foldersAreMadeAndFilesRemovedAfterAQuestion()
+    {
+        ShownPage shown;
+        QTRY_COMPARE(shown.rows(), 2);
+        shown.trigger("New Folder"_s);
+        shown.trigger("New Folder"_s);
+        QVERIFY(QFileInfo(shown.far.local("dir/New Folder 2"_s)).isDir());
+        QTRY_COMPARE(shown.rows(), 4);
+
+        shown.select("remote:/dir/a"_s);
+        shown.trigger("Delete"_s);
+        shown.answer(QMessageBox::No);
+        QVERIFY(QFile::exists(shown.far.local("dir/a"_s)));
+        shown.trigger("Delete"_s);
+        shown.answer(QMessageBox::Yes);
+        QVERIFY(!QFile::exists(shown.far.local("dir/a"_s)));
+        QTRY_COMPARE(shown.rows(), 3);
+
+        QVERIFY(shown.far.make("dir/c"_s) && QFile::remove(shown.far.local("dir/b"_s)));
+        QVERIFY(shown.far.make("dir/d"_s));
+        shown.trigger("Refresh"_s); // nothing watches the remote side
+        QTRY_COMPARE(shown.rows(), 4);
+
+        shown.far.broken = true;
+        shown.select("remote:/dir/c"_s);
+        shown.page.removeSelected();
+        shown.page.makeFolder();
+        QCOMPARE(shown.faults.count(), 2);
+    }
+
+    void requestsShowDialogsAndTheirAnswers()
+    {
+        ShownPage shown;
+        FileDialog::setAllFilesLocal(false);
+        auto *const requests = shown.page.findChild<FileRequests *>();
+        const QList<QPushButton *> buttons = requests->findChildren<QPushButton *>();
+        QCOMPARE(buttons.size(), 13);
+        int remote = 0;
+        const ModalSteps steps(QVector<ModalSteps::Step>(13, [&](QWidget *window) {
+            const bool isFirst = qobject_cast<RemoteFileDialog *>(window) && remote++ == 0;
+            auto *const edit = window->findChild<QLineEdit *>("fileNameEdit"_s);
+            if (isFirst)
+                edit->setText("/dir/a"_s);
+            QTest::keyClick(isFirst ? edit : window, isFirst ? Qt::Key_Return : Qt::Key_Escape);
+        }));
+        QStringList answers;
+        for (QPushButton *const button : buttons) {
+            button->click();
+            answers += requests->findChildren<QLabel *>().constLast()->text();
+        }
+        QCOMPARE(remote, 9);
+        QCOMPARE(answers.filter(" /dir/a"_s).size(), 1);
+        QCOMPARE(answers.filter(" nothing"_s).size(), 12);
+        FileDialog::setAllFilesLocal(true);
+    }
+};
 
 QTEST_MAIN(TestFilesPage)
 #include "tst_filespage.moc"
