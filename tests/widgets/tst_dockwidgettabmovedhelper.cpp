@@ -1,3 +1,4 @@
+#include <support/literal.h>
 #include <support/testcase.h>
 #include <tul-util-gui/widgets/dockwidgettabmovedhelper.h>
 
@@ -85,74 +86,67 @@ class TestDockWidgetTabMovedHelper : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void layoutKeepsTheOrderOfTheTabs_data();
-    void layoutKeepsTheOrderOfTheTabs();
-    void movesOfOtherBarsChangeNoDocks();
+    void layoutKeepsTheOrderOfTheTabs()
+    {
+        moveAtRandom({"AB"_s}, false);
+        moveAtRandom({"ABCDE"_s}, true);
+        moveAtRandom({"ABCD"_s, "EFG"_s, "HIJK"_s}, false);
+        moveAtRandom({"ABCD"_s, "EFG"_s, "HIJK"_s}, true);
+    }
+
+    void movesOfOtherBarsChangeNoDocks()
+    {
+        DockWindow docks({"ABC"_s});
+        auto *const other = new QTabBar(&docks);
+        for (const int tab : {0, 1, 2})
+            other->setTabData(other->addTab(QString::number(tab)),
+                              qulonglong(tab + 1)); // no dock's
+        other->show();
+        QCoreApplication::processEvents();
+        QVERIFY(other->isMovable());
+        other->moveTab(2, 0);
+        QCOMPARE(letters(other), "201"_s);
+        // Nobody sent the signal.
+        QVERIFY(QMetaObject::invokeMethod(&docks.helper, "tabMoved", Q_ARG(int, 0), Q_ARG(int, 1)));
+        QCOMPARE(letters(docks.bar("A"_s)), "ABC"_s);
+    }
+
+private:
+    /// With `closing` docks come and go between the moves.
+    static void moveAtRandom(const QStringList &groups, bool closing)
+    {
+        DockWindow docks(groups);
+        QRandomGenerator random(7);
+        for (int step = 0; step < 30; ++step) {
+            const QString &group = groups.at(random.bounded(groups.size()));
+            if (closing) {
+                docks.setOpen(group, true);
+                for (int close = random.bounded(3); close > 0; --close)
+                    docks.setOpen(group.at(random.bounded(group.size())), false);
+            }
+            QTabBar *const bar = docks.bar(group);
+            QString wanted = letters(bar);
+            if (wanted.size() < 2)
+                continue;
+            QVERIFY(bar->isMovable());
+            const int from = random.bounded(wanted.size());
+            const int to = random.bounded(wanted.size());
+            bar->setCurrentIndex(random.bounded(wanted.size()));
+            const QString current = bar->tabText(bar->currentIndex());
+            const QChar moved = wanted.at(from);
+            wanted.remove(from, 1).insert(to, moved);
+
+            bar->moveTab(from, to);
+            QCoreApplication::processEvents();
+            const QTabBar *const now = docks.bar(group);
+            QCOMPARE(letters(now), wanted);
+            QCOMPARE(now->tabText(now->currentIndex()), current);
+            QVERIFY(isRestored(docks, groups));
+            if (step % 8 == 7) // where closed docks stand is the same, too
+                QVERIFY(isRestored(docks, groups, group));
+        }
+    }
 };
 
-void TestDockWidgetTabMovedHelper::layoutKeepsTheOrderOfTheTabs_data()
-{
-    QTest::addColumn<bool>("closing"); // docks come and go between the moves
-    QTest::newRow("AB") << false;
-    QTest::newRow("ABCDE") << true;
-    QTest::newRow("ABCD EFG HIJK") << false;
-    QTest::newRow("ABCD EFG HIJK, closing") << true;
-}
-
-void TestDockWidgetTabMovedHelper::layoutKeepsTheOrderOfTheTabs()
-{
-    QFETCH(const bool, closing);
-    const QString tag = QString::fromLatin1(QTest::currentDataTag());
-    const QStringList groups = tag.section(QLatin1Char(','), 0, 0).split(QLatin1Char(' '));
-    DockWindow docks(groups);
-    QRandomGenerator random(7);
-
-    for (int step = 0; step < 30; ++step) {
-        const QString &group = groups.at(random.bounded(groups.size()));
-        if (closing) {
-            docks.setOpen(group, true);
-            for (int close = random.bounded(3); close > 0; --close)
-                docks.setOpen(group.at(random.bounded(group.size())), false);
-        }
-        QTabBar *const bar = docks.bar(group);
-        QString wanted = letters(bar);
-        if (wanted.size() < 2)
-            continue;
-        QVERIFY(bar->isMovable());
-        const int from = random.bounded(wanted.size());
-        const int to = random.bounded(wanted.size());
-        bar->setCurrentIndex(random.bounded(wanted.size()));
-        const QString current = bar->tabText(bar->currentIndex());
-        const QChar moved = wanted.at(from);
-        wanted.remove(from, 1).insert(to, moved);
-
-        bar->moveTab(from, to);
-        QCoreApplication::processEvents();
-        const QTabBar *const now = docks.bar(group);
-        QCOMPARE(letters(now), wanted);
-        QCOMPARE(now->tabText(now->currentIndex()), current);
-        QVERIFY(isRestored(docks, groups));
-        if (step % 8 == 7) // where closed docks stand is the same, too
-            QVERIFY(isRestored(docks, groups, group));
-    }
-}
-
-void TestDockWidgetTabMovedHelper::movesOfOtherBarsChangeNoDocks()
-{
-    DockWindow docks({QStringLiteral("ABC")});
-    auto *const other = new QTabBar(&docks);
-    for (const int tab : {0, 1, 2})
-        other->setTabData(other->addTab(QString::number(tab)), qulonglong(tab + 1)); // no dock's
-    other->show();
-    QCoreApplication::processEvents();
-    QVERIFY(other->isMovable());
-    other->moveTab(2, 0);
-    QCOMPARE(letters(other), QStringLiteral("201"));
-    // Nobody sent the signal.
-    QVERIFY(QMetaObject::invokeMethod(&docks.helper, "tabMoved", Q_ARG(int, 0), Q_ARG(int, 1)));
-    QCOMPARE(letters(docks.bar(QStringLiteral("A"))), QStringLiteral("ABC"));
-}
-
 QTEST_MAIN(TestDockWidgetTabMovedHelper)
-
 #include "tst_dockwidgettabmovedhelper.moc"

@@ -37,13 +37,9 @@ private Q_SLOTS:
             const TipLabel ours(text, &parent);
             QCOMPARE(ours.wordWrap(), *words == '<');
             QCOMPARE(ours.windowFlags(), theirs->windowFlags());
-            QCOMPARE(ours.size(), theirs->size());
-            QCOMPARE(ours.margin(), theirs->margin());
-            QCOMPARE(ours.indent(), theirs->indent());
-            QCOMPARE(ours.alignment(), theirs->alignment());
-            QCOMPARE(ours.frameStyle(), theirs->frameStyle());
-            QCOMPARE(ours.windowOpacity(), theirs->windowOpacity());
-            QCOMPARE(ours.hasMouseTracking(), theirs->hasMouseTracking());
+            for (const char *const name : {"size", "margin", "indent", "alignment", "frameShape",
+                                           "frameShadow", "windowOpacity", "mouseTracking"})
+                QCOMPARE(ours.property(name), theirs->property(name));
             QCOMPARE(ours.palette().color(ours.backgroundRole()), QColor(Qt::yellow));
             QCOMPARE(ours.foregroundRole(), theirs->foregroundRole());
         }
