@@ -459,7 +459,7 @@ void DetailsWidget::setWidget(QWidget *widget, int padding)
     }
     if (widget != d->widget) {
         const QPointer<DetailsWidget> self(this);
-        const QPointer<QWidget> former = d->widget;
+        const QPointer<QWidget> former = d->widget.data();
         if (former) {
             disconnect(former, &QObject::destroyed, this, nullptr);
             d->grid->removeWidget(former);
