@@ -102,11 +102,14 @@ tul::DetailsButtonLook DetailsButtonPrivate::look() const
 QPixmap DetailsButtonPrivate::rendering()
 {
     const tul::DetailsButtonLook now = look();
-    Rendering &kept = cache[RenderingKey(now.size.width(), now.size.height(), now.arrow,
-                                         now.checked, now.down, now.hover, q->isEnabled())];
-    if (kept.pixmap.isNull() || !(kept.look == now))
-        kept = {QPixmap::fromImage(tul::renderDetailsButton(now)), now};
-    return kept.pixmap;
+    const RenderingKey key(now.size.width(), now.size.height(), now.arrow, now.checked, now.down,
+                           now.hover, q->isEnabled());
+    const auto found = cache.constFind(key);
+    if (found != cache.constEnd() && found->look == now)
+        return found->pixmap;
+    const QPixmap pixmap = QPixmap::fromImage(tul::renderDetailsButton(now));
+    cache.insert(key, {pixmap, now});
+    return pixmap;
 }
 
 DetailsButton::DetailsButton(QWidget *parent)
