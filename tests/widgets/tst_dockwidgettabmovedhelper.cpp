@@ -33,7 +33,8 @@ struct DockWindow : QMainWindow {
             addDockWidget(group == 1 ? Qt::RightDockWidgetArea : Qt::LeftDockWidgetArea,
                           newDock(groups.at(group).at(0)));
         for (const QString &group : groups) {
-            for (const QChar letter : group.mid(1))
+            const QString others = group.mid(1);
+            for (const QChar letter : others)
                 tabifyDockWidget(findChild<QDockWidget *>(group.at(0)), newDock(letter));
         }
         show();

@@ -151,7 +151,7 @@ private Q_SLOTS:
             QVERIFY2(m_error.contains(path) && m_error.contains(QLatin1String(word)),
                      qPrintable(m_error));
         }
-        const ArrayDatasetInfo last = m_file.datasets().last();
+        const ArrayDatasetInfo last = m_file.datasets().constLast();
         QCOMPARE(last.path + last.shape, "/uint641, uint64"_s);
         QVERIFY(last.isShowable && !m_file.datasets().at(7).isShowable);
     }

@@ -35,7 +35,7 @@ struct ShownPage {
     }
 
     ArrayTable *table() const { return page.findChild<ArrayTable *>(); }
-    QString lastStatus() const { return status.last().first().toString(); }
+    QString lastStatus() const { return status.constLast().constFirst().toString(); }
 };
 
 } // namespace
@@ -120,7 +120,7 @@ private Q_SLOTS:
             ShownPage shown(arguments);
             QVERIFY(QTest::qWaitForWindowExposed(&shown.window));
             QCOMPARE(shown.faults.count(), 1);
-            QVERIFY(shown.faults.takeFirst().first().toString().contains(arguments.last()));
+            QVERIFY(shown.faults.takeFirst().constFirst().toString().contains(arguments.last()));
             QVERIFY(shown.page.shots().isEmpty() && shown.table()->numRows() == 0);
             shown.page.open({good, "four"_s});
             QCOMPARE(shown.table()->text(3, 4), "34"_s);
@@ -167,7 +167,8 @@ private Q_SLOTS:
         // Without a mouse: the entry goes up, then to the columns.
         auto *const rows = shown.page.findChildren<DimensionList *>().at(ArraySlice::Rows);
         const auto trigger = [&](const QString &text) {
-            for (QAction *const action : rows->actions()) {
+            const auto actions = rows->actions();
+            for (QAction *const action : actions) {
                 if (action->text().remove(QLatin1Char('&')) == text)
                     action->trigger();
             }
@@ -208,7 +209,7 @@ private Q_SLOTS:
         QSignalSpy changes(&chooser, &IndexChooser::indexChanged);
         auto *const box = chooser.findChild<QDoubleSpinBox *>();
         auto *const slider = chooser.findChild<QSlider *>();
-        const auto last = [&] { return changes.last().first().toLongLong(); };
+        const auto last = [&] { return changes.constLast().constFirst().toLongLong(); };
 
         slider->setValue(slider->maximum());
         QCOMPARE(last(), 1000 * billion - 1);

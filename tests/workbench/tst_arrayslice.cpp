@@ -76,7 +76,7 @@ private Q_SLOTS:
         QVERIFY(slice.arrange({0, 1}, {2}, {}));
         QCOMPARE(slice.numRows(), most);
         QCOMPARE(slice.coordinates(most - 1, 2), (Extents{0, most - 1, 2}));
-        QCOMPARE(slice.parts(most - 4, 0, 4, 3).first().box.start, (Extents{0, most - 4, 0}));
+        QCOMPARE(slice.parts(most - 4, 0, 4, 3).constFirst().box.start, (Extents{0, most - 4, 0}));
 
         // No numbers at all: a saturated product must not hide that.
         ArraySlice empty({most, most, 0});
@@ -92,7 +92,8 @@ private:
         const int rows = static_cast<int>(slice.numRows()) - firstRow;
         const int columns = static_cast<int>(slice.numColumns()) - firstColumn;
         QVector<int> seen(rows * columns, 0);
-        for (const ArraySlicePart &part : slice.parts(firstRow, firstColumn, rows, columns)) {
+        const auto parts = slice.parts(firstRow, firstColumn, rows, columns);
+        for (const ArraySlicePart &part : parts) {
             for (int cell = 0; cell < part.rows * part.columns; ++cell) {
                 const int row = part.firstRow + cell / part.columns;
                 const int column = part.firstColumn + cell % part.columns;

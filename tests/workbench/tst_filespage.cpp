@@ -46,7 +46,8 @@ struct ShownPage {
 
     void trigger(const QString &text)
     {
-        for (QAction *const action : page.findChildren<QAction *>()) {
+        const auto actions = page.findChildren<QAction *>();
+        for (QAction *const action : actions) {
             if (action->text().remove(QLatin1Char('&')) == text)
                 action->trigger();
         }
@@ -87,7 +88,7 @@ private Q_SLOTS:
         for (const QString &here : {"remote:/dir"_s, QString()}) {
             shown.page.goTo(here);
             shown.page.goTo("remote:/<b>none"_s);
-            QVERIFY(shown.faults.takeFirst().first().toString().contains("remote:/<b>none"_s));
+            QVERIFY(shown.faults.takeFirst().constFirst().toString().contains("remote:/<b>none"_s));
             QVERIFY(shown.faults.isEmpty());
         }
     }

@@ -29,18 +29,21 @@ private Q_SLOTS:
                 ++cards;
                 QVERIFY2(!card->additionalSummaryText().isEmpty(), qPrintable(card->name()));
                 QCOMPARE(card->state(), DetailsWidget::Expanded);
-                for (QComboBox *const box : card->findChildren<QComboBox *>()) {
+                const auto boxes = card->findChildren<QComboBox *>();
+                for (QComboBox *const box : boxes) {
                     for (int i = 0; i < box->count(); ++i)
                         box->setCurrentIndex(i);
                 }
-                for (QCheckBox *const check : card->findChildren<QCheckBox *>())
+                const auto checks = card->findChildren<QCheckBox *>();
+                for (QCheckBox *const check : checks)
                     check->toggle();
                 QCoreApplication::processEvents();
             }
         }
         QCOMPARE(cards, 13);
         const auto press = [&](const QString &text) {
-            for (QPushButton *const button : page.findChildren<QPushButton *>()) {
+            const auto buttons = page.findChildren<QPushButton *>();
+            for (QPushButton *const button : buttons) {
                 if (button->text() == text)
                     button->click();
             }
