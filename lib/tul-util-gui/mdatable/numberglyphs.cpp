@@ -1,8 +1,8 @@
 #include <tul-util-gui/mdatable/numberglyphs_p.h>
 
-#include <QCoreApplication>
 #include <QFontMetricsF>
 #include <QGlyphRun>
+#include <QGuiApplication>
 #include <QPainter>
 #include <QTextLayout>
 
@@ -107,6 +107,43 @@ void copyRows(const Block *from, QRgb *to, int rows, int stride)
         to += stride;
     }
 }
+
+/// The fonts used last. They are dropped before the application goes, of which a process may have
+/// several one after the other, and when other fonts were installed.
+class FontCache
+{
+public:
+    static FontCache &get()
+    {
+        static FontCache cache;
+        if (!cache.m_context)
+            cache.attach();
+        return cache;
+    }
+
+    std::vector<std::unique_ptr<NumberFont>> fonts;
+
+private:
+    FontCache() = default;
+    // Also run when the library is unloaded while the application goes on.
+    ~FontCache() { qRemovePostRoutine(&FontCache::detach); }
+
+    void attach()
+    {
+        qAddPostRoutine(&FontCache::detach);
+        m_context = std::make_unique<QObject>();
+        QObject::connect(qGuiApp, &QGuiApplication::fontDatabaseChanged, m_context.get(),
+                         [this] { fonts.clear(); });
+    }
+
+    static void detach()
+    {
+        get().fonts.clear();
+        get().m_context.reset();
+    }
+
+    std::unique_ptr<QObject> m_context; // ends the connection to it
+};
 
 } // namespace
 
@@ -299,16 +336,9 @@ std::vector<int> NumberPictures::findVariants(quint32 glyph)
 
 NumberFont &NumberFont::of(const QFont &font, int dpi)
 {
-    using Fonts = std::vector<std::unique_ptr<NumberFont>>;
-    static Fonts fonts;
-    static const bool cleared = [] {
-        // Fonts must not outlive the application.
-        qAddPostRoutine([] { fonts.clear(); });
-        return true;
-    }();
-    Q_UNUSED(cleared)
     return usedLast(
-        fonts, keptFonts, [&](const auto &known) { return known->isFor(font, dpi); },
+        FontCache::get().fonts, keptFonts,
+        [&](const auto &known) { return known->isFor(font, dpi); },
         [&] { return std::make_unique<NumberFont>(font, dpi); });
 }
 
