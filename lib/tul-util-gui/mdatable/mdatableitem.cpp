@@ -108,8 +108,9 @@ void MDATableItem::paint(QPainter *painter, const QPalette &palette, const QRect
     painter->fillRect(QRect(0, 0, rect.width(), rect.height()), background);
     const QColor &colour = palette.color(selected ? QPalette::HighlightedText : QPalette::Text);
     // Making a pen costs as much as looking up the text.
-    if (painter->pen().color() != colour || painter->pen().widthF() != 1.0
-        || painter->pen().style() != Qt::SolidLine)
+    const QPen &pen = painter->pen();
+    if (pen.color() != colour || pen.widthF() != 1.0 || pen.style() != Qt::SolidLine
+        || pen.brush().style() != Qt::SolidPattern)
         painter->setPen(colour);
     tul::drawText(painter, QRect(textMargin, 0, rect.width() - 2 * textMargin, rect.height()),
                   alignment(), text(),
