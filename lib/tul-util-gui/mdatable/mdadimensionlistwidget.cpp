@@ -70,7 +70,8 @@ void MdaDimensionListWidget::startDrag(Qt::DropActions supportedActions)
     auto *const drag = new QDrag(this);
     drag->setMimeData(mimeData);
     // A list that goes takes the drag with it, which the toolkit must then not go on with.
-    const QMetaObject::Connection cancel = connect(this, &QObject::destroyed, &QDrag::cancel);
+    const QMetaObject::Connection cancel
+        = connect(this, &QObject::destroyed, drag, [] { QDrag::cancel(); });
     const Qt::DropAction action = drag->exec(supportedActions, Qt::IgnoreAction);
     if (!self)
         return;
