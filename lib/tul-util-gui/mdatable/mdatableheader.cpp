@@ -6,12 +6,14 @@
 #include <tul-util-gui/mdatable/mdatable_p.h>
 #include <tul-util-gui/mdatable/saturated_p.h>
 
+#include <QCoreApplication>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>
 #include <QStyle>
 #include <QStyleOptionHeader>
+#include <QWheelEvent>
 
 #include <algorithm>
 
@@ -214,6 +216,12 @@ void MDATableHeader::mouseReleaseEvent(QMouseEvent *event)
 
 /// A rectangle from its extent along the header, clipped to what the style may be given, and across
 /// it.
+/// Scrolls the cells, as over them.
+void MDATableHeader::wheelEvent(QWheelEvent *event)
+{
+    QCoreApplication::sendEvent(m_table->viewport(), event);
+}
+
 QRect MDATableHeader::rectAt(long long start, long long end, int crossStart, int crossLength) const
 {
     const auto clipped = [this](long long pixel) {
