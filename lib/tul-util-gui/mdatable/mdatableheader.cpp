@@ -25,9 +25,11 @@ const int bandReserve = 8; // pixels added to the height of a line of the top he
 const int nameReserve = 4; // pixels by which a name's rectangle exceeds its band
 const int minimumLineWidth = 40; // of the left header
 const int minimumColumnWidth = 30;
-// The style is given rectangles that end this far outside the header: it may draw one through a
-// pixmap of its size, which a block of millions of pixels must not make it do.
-const int clipMargin = 16;
+// The style is given rectangles that end at most this far outside the header: it may draw one
+// through a pixmap of its size, which a block of millions of pixels must not make it do. Single
+// sections are whole unless they are huge, because a gradient follows the rectangle.
+const int leastClipMargin = 16;
+const int mostClipMargin = 1024;
 
 } // namespace
 
@@ -182,8 +184,8 @@ void MDATableHeader::paintEvent(QPaintEvent *event)
 void MDATableHeader::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    // By design: the width counts for both orientations; hosts rely on narrow row headers keeping
-    // their offset when only the height of the window changes.
+    // By design: the width counts for both orientations. A header of rows that is wider than its
+    // rows are long together goes back to the start, and the table's scroll bar with it.
     if (contentLength() < width())
         m_offset = 0;
 }
@@ -214,18 +216,19 @@ void MDATableHeader::mouseReleaseEvent(QMouseEvent *event)
         Q_EMIT clicked(section);
 }
 
-/// A rectangle from its extent along the header, clipped to what the style may be given, and across
-/// it.
 /// Scrolls the cells, as over them.
 void MDATableHeader::wheelEvent(QWheelEvent *event)
 {
     QCoreApplication::sendEvent(m_table->viewport(), event);
 }
 
+/// A rectangle from its extent along the header, clipped to what the style may be given, and across
+/// it.
 QRect MDATableHeader::rectAt(long long start, long long end, int crossStart, int crossLength) const
 {
-    const auto clipped = [this](long long pixel) {
-        return static_cast<int>(std::clamp<long long>(pixel, -clipMargin, length() + clipMargin));
+    const long long margin = std::clamp(m_sectionSize, leastClipMargin, mostClipMargin);
+    const auto clipped = [this, margin](long long pixel) {
+        return static_cast<int>(std::clamp(pixel, -margin, length() + margin));
     };
     const int from = clipped(start);
     const int to = clipped(end);
@@ -309,6 +312,8 @@ void MDATableHeader::scrollLabels(int oldOffset)
         update();
         return;
     }
+    // By design: the name beside the innermost line is not scrolled with its band. It stands still,
+    // and moving it would leave a second one behind.
     const int by = static_cast<int>(delta);
     const int innerStart = m_bands.start(0);
     const int labelStart = innerStart + (isHorizontal() ? m_nameBand + nameReserve : m_nameWidth);
