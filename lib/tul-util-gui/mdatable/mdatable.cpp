@@ -169,12 +169,14 @@ bool MDATable::isSparse() const
 
 void MDATable::setSparse(bool sparse)
 {
-    const bool becomesDense = d->store.isSparse() && !sparse;
-    d->store.setSparse(sparse);
-    if (!becomesDense)
+    if (sparse == d->store.isSparse())
         return;
-    d->sizeStore();
-    d->store.moveSparseToDense(numCols());
+    d->store.setSparse(sparse);
+    if (!sparse) {
+        d->sizeStore();
+        d->store.moveSparseToDense(numCols());
+    }
+    viewport()->update();
 }
 
 void MDATable::clear()
