@@ -146,7 +146,8 @@ void MDATable::clearCell(long long row, long long col)
 
 QString MDATable::text(long long row, long long col) const
 {
-    const MDATableItem *shown = item(row, col);
+    // An override of item() is not asked for cells that are not there.
+    const MDATableItem *shown = isSectionValid(row, col) ? item(row, col) : nullptr;
     return shown ? shown->text() : QString();
 }
 
