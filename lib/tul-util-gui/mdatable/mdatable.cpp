@@ -1,5 +1,6 @@
 #include <tul-util-gui/mdatable/mdatable.h>
 
+#include <tul-util-gui/mdatable/blocktext_p.h>
 #include <tul-util-gui/mdatable/globalstrut_p.h>
 #include <tul-util-gui/mdatable/mdatable_p.h>
 #include <tul-util-gui/mdatable/mdatableheader_p.h>
@@ -16,6 +17,7 @@
 #include <QScrollBar>
 #include <QStyle>
 
+#include <optional>
 #include <algorithm>
 #include <limits>
 
@@ -24,7 +26,6 @@ namespace
 
 const int largestFittingHint = 500; // pixels up to which the size hint shows the whole table
 const int defaultColumnWidth = 20; // pixels; also the least
-const long long longestText = 1LL << 29; // characters that a string holds with room to spare
 
 // Process-wide: a call for one table from within a call for another is dropped too.
 bool updatingCell = false;
@@ -676,32 +677,12 @@ void MDATable::copy()
     if (index == -1)
         return;
     const MDATableSelection block = selection(index);
-    // Not the block's own counts: one that begins before the first column has empty texts there.
-    const long long rows = tul::saturatedCount(block.topRow(), block.bottomRow());
-    const long long columns = tul::saturatedCount(block.leftCol(), block.rightCol());
-    if (!block.isActive() || rows <= 0 || columns <= 0)
+    if (!block.isActive())
         return;
-    const long long cells = tul::saturatedMul(rows, columns);
-    QString copied;
-    bool tooLong = cells > longestText;
-    if (!tooLong)
-        copied.reserve(static_cast<int>(std::min(cells * 8, longestText)));
-    for (long long row = block.topRow(); row <= block.bottomRow() && !tooLong; ++row) {
-        if (row != block.topRow())
-            copied += QLatin1Char('\n');
-        for (long long col = block.leftCol(); col <= block.rightCol() && !tooLong; ++col) {
-            if (col != block.leftCol())
-                copied += QLatin1Char(',');
-            const QString cell = text(row, col);
-            tooLong = static_cast<long long>(copied.size()) + cell.size() > longestText;
-            if (!tooLong)
-                copied += cell;
-        }
-    }
-    if (tooLong)
-        qWarning("copy: selection too large: %lld cells", cells);
-    else
-        QApplication::clipboard()->setText(copied, QClipboard::Clipboard);
+    const std::optional<QString> text = tul::joinedTexts(
+        block, [this](long long row, long long col) { return this->text(row, col); });
+    if (text)
+        QApplication::clipboard()->setText(*text, QClipboard::Clipboard);
 }
 
 void MDATable::activateNextCell()
