@@ -14,12 +14,10 @@
 #include <QPainter>
 #include <QPointer>
 #include <QScopedValueRollback>
-#include <QScrollBar>
-#include <QStyle>
 
-#include <optional>
 #include <algorithm>
 #include <limits>
+#include <optional>
 
 namespace
 {
@@ -29,7 +27,6 @@ const int defaultColumnWidth = 20; // pixels; also the least
 
 // Process-wide: a call for one table from within a call for another is dropped too.
 bool updatingCell = false;
-bool updatingGeometries = false;
 
 } // namespace
 
@@ -340,12 +337,7 @@ long long MDATable::columnAt(int x) const
 
 QRect MDATable::cellGeometry(long long row, long long col) const
 {
-    const int x = columnPos(col);
-    const int y = rowPos(row);
-    // The far edges of huge cells have to be coordinates too.
-    const int width = std::min(columnWidth(), std::numeric_limits<int>::max() - std::max(x, 0));
-    const int height = std::min(rowHeight(), std::numeric_limits<int>::max() - std::max(y, 0));
-    return {x, y, isColumnHidden(col) ? 0 : width, isRowHidden(row) ? 0 : height};
+    return d->layout.cellGeometry(row, col);
 }
 
 QRect MDATable::cellRect(long long row, long long col) const
@@ -407,66 +399,28 @@ QRect MDATable::rangeGeometry(long long top, long long left, long long bottom, l
                               bool &optimize) const
 {
     optimize = true;
-    const QSize size = viewport()->size();
-    if (!d->rows.cutToVisible(top, bottom, rowAt(0), rowAt(size.height()))
-        || !d->columns.cutToVisible(left, right, columnAt(0), columnAt(size.width())))
-        return {};
-    // Everything between the corners is visible or has no size: they span the union of all cells.
-    return cellGeometry(top, left) | cellGeometry(bottom, right);
+    return d->layout.visibleGeometry(top, left, bottom, right);
 }
 
 void MDATable::updateScrollBars()
 {
-    const QSize table = tableSize();
-    // Contents that fit without scroll bars need none, even if those that show now take their room.
-    const auto fitsInto = [&table](const QSize &room) {
-        return table.width() <= room.width() && table.height() <= room.height();
-    };
-    const bool fits = fitsInto(size()) && fitsInto(maximumViewportSize()); // which is slow to tell
-    const QSize excess = fits ? QSize(0, 0) : (table - viewport()->size()).expandedTo(QSize(0, 0));
-    d->setBarMaximum(d->columns.bar, excess.width());
-    d->setBarMaximum(d->rows.bar, excess.height());
-    d->columns.bar->setSingleStep(columnWidth());
-    d->columns.bar->setPageStep(tul::clampToInt(10LL * columnWidth()));
-    d->rows.bar->setSingleStep(rowHeight());
-    d->rows.bar->setPageStep(tul::clampToInt(10LL * rowHeight()));
+    d->layout.updateScrollBars();
 }
 
 void MDATable::updateGeometries()
 {
-    if (updatingGeometries)
-        return;
-    const QScopedValueRollback<bool> guard(updatingGeometries, true);
-    const QSize table = tableSize();
-    const auto pullBack = [](const TableAxis &axis, int content, int extent) {
-        const long long offset = axis.header->offset();
-        if (offset != 0 && content < extent + offset)
-            axis.bar->setValue(content - extent);
-    };
-    pullBack(d->columns, table.width(), d->columns.header->width());
-    pullBack(d->rows, table.height(), d->rows.header->height());
-
-    const int frame = frameWidth();
-    const int left = d->leftHeaderMargin();
-    const int top = d->margins.top();
-    const QRect rowsRect(frame, top + frame, left, viewport()->height());
-    const QRect columnsRect(left + frame, frame, viewport()->width(), top);
-    d->rows.header->setGeometry(QStyle::visualRect(layoutDirection(), rect(), rowsRect));
-    d->columns.header->setGeometry(QStyle::visualRect(layoutDirection(), rect(), columnsRect));
-    d->columns.bar->raise();
-    d->rows.bar->raise();
+    d->layout.updateHeaders();
 }
 
 void MDATable::delayedUpdateGeometries()
 {
-    if (!d->geometryTimer->isActive())
-        d->geometryTimer->start(0);
+    d->layout.queueUpdate();
 }
 
 void MDATable::updateGeometriesSlot()
 {
     const QPointer<MDATable> self(this);
-    d->announceBarRanges();
+    d->layout.announceBarRanges();
     if (self)
         updateGeometries();
 }
@@ -483,17 +437,12 @@ void MDATable::columnWidthChanged()
 
 void MDATable::setLeftMargin(int margin)
 {
-    if (QApplication::isRightToLeft())
-        d->margins.setRight(margin);
-    else
-        d->margins.setLeft(margin);
-    d->applyMargins();
+    d->layout.setLeftMargin(margin);
 }
 
 void MDATable::setTopMargin(int margin)
 {
-    d->margins.setTop(margin);
-    d->applyMargins();
+    d->layout.setTopMargin(margin);
 }
 
 void MDATable::leftHeaderFixedExtentChanged(int extent)
@@ -515,15 +464,14 @@ QSize MDATable::sizeHint() const
 {
     ensurePolished();
     const QSize table = tableSize();
-    const int left = d->leftHeaderMargin();
-    const int top = d->margins.top();
+    const QSize headers = d->layout.headerRoom();
     if (table.width() < largestFittingHint && table.height() < largestFittingHint)
-        return {left + table.width() + 5, top + table.height() + 5};
+        return table + headers + QSize(5, 5);
     QSize size = QScrollArea::sizeHint();
     if (!d->columns.header->isHidden())
-        size.rheight() += top;
+        size.rheight() += headers.height();
     if (!d->rows.header->isHidden())
-        size.rwidth() += left;
+        size.rwidth() += headers.width();
     return size;
 }
 
@@ -558,7 +506,7 @@ void MDATable::setCurrentCell(long long row, long long col, bool updateSelection
     if (d->hasCurrentCell()) {
         repaintCell(row, col);
         if (ensureVisible)
-            d->ensureCellVisible(row, col);
+            d->layout.ensureCellVisible(row, col);
     }
 
     const QPointer<MDATable> self(this);
@@ -744,6 +692,7 @@ void MDATable::showEvent(QShowEvent *event)
     QScrollArea::showEvent(event);
     updateScrollBars();
     updateGeometries();
+    d->layout.tableShown();
 }
 
 void MDATable::hideEvent(QHideEvent *event)
@@ -755,6 +704,10 @@ void MDATable::hideEvent(QHideEvent *event)
 void MDATable::changeEvent(QEvent *event)
 {
     QScrollArea::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange) {
+        d->layout.applyMargins();
+        d->rows.header->update();
+    }
     if (event->type() != QEvent::ActivationChange || !isVisible())
         return;
     if (!isActiveWindow())

@@ -190,9 +190,10 @@ public:
     long long currentColumn() const;
 
     /// Makes a cell current, scrolls it into view and emits currentChanged() when it was not
-    /// current before. Indices beyond the table are limited to the last row and column; negative
-    /// ones mean none. When the new cell is not selected, the selections are dropped and a new,
-    /// still inactive one starts at the cell.
+    /// current before. Indices beyond the table are limited to the last row and column; -1 means
+    /// none, and other negative ones are kept as they are. When the new cell is not selected, the
+    /// selections are dropped and a new, still inactive one starts at the cell. A cell made current
+    /// before the table is first shown is in view then, unless the host has scrolled meanwhile.
     virtual void setCurrentCell(long long row, long long col);
 
     /// Adds a block as the current selection, with its end limited to the table, repaints and emits
@@ -265,8 +266,8 @@ public Q_SLOTS:
     virtual void showColumns(long long from, long long to);
 
     /// Room in pixels for the headers beside the viewport. The left margin becomes the right one
-    /// while the application's layout direction is right-to-left. The table calls these when the
-    /// header lines change.
+    /// while the layout direction is right-to-left. The table calls these when the header lines
+    /// change.
     virtual void setLeftMargin(int margin);
     virtual void setTopMargin(int margin);
 
@@ -377,6 +378,7 @@ private:
 
     void saveContents(QVector<MDATableItem *> &saved);
     void restoreContents(QVector<MDATableItem *> &saved);
+    friend class TableLayout;
     void setCurrentCell(long long row, long long col, bool updateSelections, bool ensureVisible);
     bool isSelected(long long row, long long col, bool countCurrent) const;
     void mousePressEventEx(QMouseEvent *event);

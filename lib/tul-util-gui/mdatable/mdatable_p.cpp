@@ -6,7 +6,6 @@
 #include <QApplication>
 #include <QPointer>
 #include <QScrollBar>
-#include <QSignalBlocker>
 
 #include <algorithm>
 #include <limits>
@@ -45,18 +44,15 @@ MDATablePrivate::MDATablePrivate(MDATable *table)
               Qt::Key_Left,
               &MDATable::numCols,
               &MDATable::columnWidthChanged}
+    , layout(table, this)
     , interaction(table, this)
     , painter(table, this)
-    , geometryTimer(new QTimer(table))
 {
 }
 
 void MDATablePrivate::construct(long long numRows, long long numCols, const char *name)
 {
     q->setObjectName(QString::fromUtf8(name));
-    geometryTimer->setSingleShot(true);
-    QObject::connect(geometryTimer, &QTimer::timeout, q, &MDATable::updateGeometriesSlot);
-
     q->viewport()->setFocusProxy(q);
     q->viewport()->setFocusPolicy(Qt::WheelFocus);
     q->setFocusPolicy(Qt::WheelFocus);
@@ -86,11 +82,15 @@ void MDATablePrivate::construct(long long numRows, long long numCols, const char
                      &MDATable::topHeaderFixedExtentChanged);
     QObject::connect(rows.header, &MDATableHeader::fixedExtentChanged, q,
                      &MDATable::leftHeaderFixedExtentChanged);
+    QObject::connect(qApp, &QApplication::focusChanged, &focusContext,
+                     [this](const QWidget *from, const QWidget *to) { focusMoved(from, to); });
 
     if (numRows >= 1 && numCols >= 1)
         q->setCurrentCell(0, 0);
     q->installEventFilter(q);
     q->resize(640, 480);
+    // So that hosts can scroll before they show the table.
+    q->updateScrollBars();
 }
 
 void MDATablePrivate::sizeStore() const
@@ -177,23 +177,6 @@ void MDATablePrivate::raiseItemWidth(int width)
     maxItemWidth = std::max(maxItemWidth, width);
 }
 
-void MDATablePrivate::ensureCellVisible(long long row, long long col) const
-{
-    rows.ensureVisible(row, q->viewport()->height());
-    columns.ensureVisible(col, q->viewport()->width());
-}
-
-int MDATablePrivate::leftHeaderMargin() const
-{
-    return QApplication::isRightToLeft() ? margins.right() : margins.left();
-}
-
-void MDATablePrivate::applyMargins() const
-{
-    q->setViewportMargins(margins);
-    q->updateGeometries();
-}
-
 QRegion MDATablePrivate::takeSelections()
 {
     // The current cell looks selected while there are blocks.
@@ -234,31 +217,11 @@ void MDATablePrivate::updateSelectedLook() const
         q->viewport()->update(visibleRect(selections.at(i)));
 }
 
-/// Sets a scroll bar's maximum. Hiding a million rows one by one changes it a million times: as
-/// long as the bar stays visible and keeps its value, nobody but listeners of the range needs to
-/// know at once, and they are told once, with the delayed layout.
-void MDATablePrivate::setBarMaximum(QScrollBar *bar, int maximum)
+/// Selected cells look as with the focus while it is in an editor on the cells, of whose focus the
+/// table gets no event.
+void MDATablePrivate::focusMoved(const QWidget *from, const QWidget *to) const
 {
-    if (bar->maximum() == maximum)
-        return;
-    if (bar->maximum() == 0 || maximum == 0 || bar->value() > maximum) {
-        bar->setMaximum(maximum);
-        return;
-    }
-    const QSignalBlocker blocker(bar);
-    bar->setMaximum(maximum);
-    barRangesPending = true;
-    q->delayedUpdateGeometries();
-}
-
-void MDATablePrivate::announceBarRanges()
-{
-    if (!barRangesPending)
-        return;
-    barRangesPending = false;
-    const QPointer<MDATable> table(q);
-    for (QScrollBar *bar : {columns.bar, rows.bar}) {
-        if (table)
-            Q_EMIT bar->rangeChanged(bar->minimum(), bar->maximum());
-    }
+    const QWidget *viewport = q->viewport();
+    if (viewport->isAncestorOf(from) != viewport->isAncestorOf(to))
+        updateSelectedLook();
 }

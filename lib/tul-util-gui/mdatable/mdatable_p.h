@@ -5,11 +5,10 @@
 #include <tul-util-gui/mdatable/selectionlist_p.h>
 #include <tul-util-gui/mdatable/tableaxis_p.h>
 #include <tul-util-gui/mdatable/tableinteraction_p.h>
+#include <tul-util-gui/mdatable/tablelayout_p.h>
 #include <tul-util-gui/mdatable/tablepainter_p.h>
 
-#include <QMargins>
 #include <QRegion>
-#include <QTimer>
 
 namespace tul
 {
@@ -39,11 +38,6 @@ public:
     void keepCurrentInside(const TableAxis &axis) const;
 
     void raiseItemWidth(int width);
-    void ensureCellVisible(long long row, long long col) const;
-
-    /// The margin that the left header takes: the right one for right-to-left applications.
-    int leftHeaderMargin() const;
-    void applyMargins() const;
 
     /// Drops all blocks and says what they covered, without announcing it.
     QRegion takeSelections();
@@ -56,22 +50,20 @@ public:
 
     /// Queues a repaint of what looks different with and without the focus.
     void updateSelectedLook() const;
-
-    void setBarMaximum(QScrollBar *bar, int maximum);
-    void announceBarRanges();
+    /// To be called when the focus went from one widget to another, null for none.
+    void focusMoved(const QWidget *from, const QWidget *to) const;
 
     MDATable *const q;
     CellStore store;
     TableAxis rows;
     TableAxis columns;
     SelectionList selections;
+    TableLayout layout;
     TableInteraction interaction;
     TablePainter painter;
     QRegion validRegion; // in cell coordinates: x is the column
     int maxItemWidth = 0; // widest size hint of an item since the last clear, in pixels
-    QMargins margins; // of the viewport, for the headers
     bool showGrid = true;
     MDATable::FocusStyle focusStyle = MDATable::FollowStyle;
-    QTimer *geometryTimer; // single shot, lays out the headers
-    bool barRangesPending = false; // maxima were changed without their signal
+    QObject focusContext; // focus moves on while the base classes are destroyed
 };

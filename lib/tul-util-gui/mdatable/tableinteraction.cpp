@@ -194,7 +194,7 @@ void TableInteraction::autoScroll()
         cell.row = d->rows.current;
     if (cell.col < 0 || cell.col >= q->numCols())
         cell.col = d->columns.current;
-    d->ensureCellVisible(cell.row, cell.col);
+    d->layout.ensureCellVisible(cell.row, cell.col);
 
     const QPointer<MDATable> table(q);
     if (MDATableSelection *block = d->selections.current()) {
