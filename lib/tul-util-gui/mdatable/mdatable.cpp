@@ -493,31 +493,7 @@ void MDATable::setCurrentCell(long long row, long long col)
 void MDATable::setCurrentCell(long long row, long long col, bool updateSelections,
                               bool ensureVisible)
 {
-    row = std::min(row, numRows() - 1);
-    col = std::min(col, numCols() - 1);
-    const long long oldRow = d->rows.current;
-    const long long oldCol = d->columns.current;
-    if (row == oldRow && col == oldCol)
-        return;
-    d->rows.current = row;
-    d->columns.current = col;
-    if (oldRow != -1 && oldCol != -1)
-        repaintCell(oldRow, oldCol);
-    if (d->hasCurrentCell()) {
-        repaintCell(row, col);
-        if (ensureVisible)
-            d->layout.ensureCellVisible(row, col);
-    }
-
-    const QPointer<MDATable> self(this);
-    Q_EMIT currentChanged(row, col);
-    if (!self || !updateSelections || isSelected(d->rows.current, d->columns.current, false))
-        return;
-    clearSelection();
-    if (!self || !d->hasCurrentCell())
-        return;
-    d->selections.start(d->rows.current, d->columns.current);
-    updateCell(d->rows.current, d->columns.current);
+    d->interaction.setCurrentCell(row, col, updateSelections, ensureVisible);
 }
 
 int MDATable::addSelection(const MDATableSelection &selection)
@@ -708,6 +684,8 @@ void MDATable::changeEvent(QEvent *event)
         d->layout.applyMargins();
         d->rows.header->update();
     }
+    if (!isEnabled()) // nobody tells a disabled table that the drag has ended
+        d->interaction.stopAutoScroll();
     if (event->type() != QEvent::ActivationChange || !isVisible())
         return;
     if (!isActiveWindow())
@@ -749,15 +727,7 @@ void MDATable::mouseDoubleClickEvent(QMouseEvent *event)
 
 void MDATable::contextMenuEvent(QContextMenuEvent *event)
 {
-    event->accept();
-    if (event->reason() != QContextMenuEvent::Keyboard) {
-        Q_EMIT contextMenuRequested(rowAt(event->pos().y()), columnAt(event->pos().x()),
-                                    event->globalPos());
-        return;
-    }
-    const QRect cell = cellGeometry(d->rows.current, d->columns.current);
-    Q_EMIT contextMenuRequested(d->rows.current, d->columns.current,
-                                viewport()->mapToGlobal(cell.bottomLeft()));
+    d->interaction.contextMenu(event);
 }
 
 void MDATable::focusInEvent(QFocusEvent *event)
@@ -774,16 +744,16 @@ void MDATable::focusOutEvent(QFocusEvent *event)
 
 bool MDATable::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == this && event->type() == QEvent::KeyPress) {
-        // Otherwise the focus chain takes Tab before the table sees it.
-        auto *key = static_cast<QKeyEvent *>(event);
-        const bool isTab = key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab;
-        if (isTab && !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier))) {
-            keyPressEvent(key);
-            return true;
-        }
-    }
-    return QScrollArea::eventFilter(watched, event);
+    if (watched != this || event->type() != QEvent::KeyPress)
+        return QScrollArea::eventFilter(watched, event);
+    auto *key = static_cast<QKeyEvent *>(event);
+    if (key->key() != Qt::Key_Tab && key->key() != Qt::Key_Backtab)
+        return false;
+    // Otherwise the focus chain takes Tab before the table sees it. With Ctrl it has it.
+    const bool isBack = key->key() == Qt::Key_Backtab || key->modifiers() & Qt::ShiftModifier;
+    if (!(key->modifiers() & Qt::ControlModifier) || !focusNextPrevChild(!isBack))
+        keyPressEvent(key);
+    return true;
 }
 
 QVariant MDATable::inputMethodQuery(Qt::InputMethodQuery query) const

@@ -19,8 +19,9 @@ class QRegion;
 ///
 /// Fill it with items (setItem(), setText()), or override item() and serve the cells that are
 /// painted or copied from wherever they are kept: then a table of 10^12 rows costs no more than a
-/// small one. All rows share one height, all columns one width. No operation walks the sections of
-/// the table: cost follows what is visible, what is stored and what changes.
+/// small one. All rows share one height, all columns one width. Cost follows what is visible, what
+/// is stored and what changes. No operation walks the sections of the table except Tab, which asks
+/// the cells of a row one by one until it finds an enabled one.
 ///
 /// *Units*: row and column indices and counts are 64-bit, -1 means none. Positions and sizes are
 /// pixels. Contents are limited to 2147450879 pixels in each direction: sections beyond can be
@@ -106,10 +107,12 @@ public:
     /// cells, cells of the same indexOf() take each other's place.
     virtual void setItem(long long row, long long col, MDATableItem *item);
 
-    /// Removes an item without deleting it and hands it to the caller.
+    /// Removes an item without deleting it and hands it to the caller. To empty a cell, use
+    /// clearCell().
     ///
-    /// By design: in a dense table the items of the later cells move up by one slot and are not
-    /// found in their cells until the next operation that sizes the store.
+    /// By design: in a dense table the items of all later cells move up by one slot and stay there,
+    /// each found in the cell before its own. Setting or clearing a cell deletes the item that has
+    /// moved into it; a change of the dimensions drops the moved items without deleting them.
     virtual void takeItem(MDATableItem *item);
 
     /// Removes and deletes the item of a cell and repaints the cell at once.
@@ -287,7 +290,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     /// Emitted when another cell became current; -1/-1 for none. After Backtab has found no cell to
-    /// go to, the column alone is -1.
+    /// go to, the column alone is -1; and so is, after a press on a table that has only rows or
+    /// only columns, what it does not have.
     void currentChanged(long long row, long long col);
 
     /// pressed() is emitted when a mouse button goes down on the table, with the nearest visible
@@ -306,8 +310,8 @@ Q_SIGNALS:
     void valueChanged(long long row, long long col);
 
     /// Emitted when a context menu is asked for: by mouse with the cell under the pointer (-1
-    /// outside), by key with the current cell and its lower left corner. `pos` is in global
-    /// coordinates.
+    /// outside), by key with the current cell and its lower left corner, or the nearest point of
+    /// the viewport when that is scrolled out. `pos` is in global coordinates.
     void contextMenuRequested(long long row, long long col, const QPoint &pos);
 
 protected:
@@ -374,11 +378,11 @@ private:
     friend class MDATableHeader;
     friend class MDATablePrivate;
     friend class TableInteraction;
+    friend class TableLayout;
     friend class TablePainter;
 
     void saveContents(QVector<MDATableItem *> &saved);
     void restoreContents(QVector<MDATableItem *> &saved);
-    friend class TableLayout;
     void setCurrentCell(long long row, long long col, bool updateSelections, bool ensureVisible);
     bool isSelected(long long row, long long col, bool countCurrent) const;
     void mousePressEventEx(QMouseEvent *event);

@@ -5,6 +5,7 @@
 #include <tul-util-gui/mdatable/mdatableitem.h>
 #include <tul-util-gui/mdatable/saturated_p.h>
 
+#include <QContextMenuEvent>
 #include <QCursor>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -12,6 +13,7 @@
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -30,14 +32,36 @@ TableInteraction::TableInteraction(MDATable *table, MDATablePrivate *state)
     QObject::connect(m_autoScrollTimer, &QTimer::timeout, table, &MDATable::doAutoScroll);
 }
 
+void TableInteraction::setCurrentCell(long long row, long long col, bool updateSelections,
+                                      bool ensureVisible)
+{
+    row = std::min(row, q->numRows() - 1);
+    col = std::min(col, q->numCols() - 1);
+    const Cell old{d->rows.current, d->columns.current};
+    if (row == old.row && col == old.col)
+        return;
+    d->rows.current = row;
+    d->columns.current = col;
+    if (old.isValid())
+        q->repaintCell(old.row, old.col);
+    if (d->hasCurrentCell()) {
+        q->repaintCell(row, col);
+        if (ensureVisible)
+            d->layout.ensureCellVisible(row, col);
+    }
+
+    const QPointer<MDATable> table(q);
+    Q_EMIT q->currentChanged(row, col);
+    if (!table || !updateSelections || q->isSelected(d->rows.current, d->columns.current, false))
+        return;
+    q->clearSelection();
+    if (table && d->hasCurrentCell())
+        startSelection({d->rows.current, d->columns.current});
+}
+
 void TableInteraction::keyPress(QKeyEvent *event)
 {
     const bool shift = event->modifiers() & Qt::ShiftModifier;
-    const bool isTab = event->key() == Qt::Key_Tab || event->key() == Qt::Key_Backtab;
-    if (isTab && event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) {
-        event->ignore(); // leads out of the table
-        return;
-    }
     event->accept();
     switch (event->key()) {
     case Qt::Key_Tab:
@@ -125,7 +149,7 @@ void TableInteraction::mousePress(QMouseEvent *event)
         if (!table)
             return;
         if (event->modifiers() & Qt::ShiftModifier)
-            extendSelection(anchor.isValid() ? anchor : cell, cell);
+            extendSelection(anchor);
         else if (!q->isSelected(d->rows.current, d->columns.current, false))
             selectOnly(true);
         else
@@ -140,14 +164,9 @@ void TableInteraction::mouseMove(QMouseEvent *event)
     if (!(event->buttons() & Qt::LeftButton))
         return;
     const QPointer<MDATable> table(q);
-    const Cell cell = fixedCellAt(event->pos());
-    if (!cell.isNone() && m_pressedOnSelected) {
+    if (m_pressedOnSelected && !fixedCellAt(event->pos()).isNone()) {
         m_pressedOnSelected = false;
-        q->clearSelection();
-        if (!table)
-            return;
-        startSelection(cell);
-        Q_EMIT q->selectionChanged();
+        replaceSelections(event->pos());
         if (!table)
             return;
     }
@@ -165,18 +184,11 @@ void TableInteraction::mouseRelease(QMouseEvent *event)
         Q_EMIT q->clicked(current.row, current.col, event->button(), event->pos());
     if (!table || event->button() != Qt::LeftButton)
         return;
-    const Cell cell = m_pressedOnSelected ? fixedCellAt(event->pos()) : Cell{-1, -1};
-    m_pressedOnSelected = false;
     m_autoScrollTimer->stop();
-    if (!cell.isValid())
-        return;
-    q->clearSelection();
-    if (!table)
-        return;
     // By design: the block is inactive, as after a key. What was selected is dropped, and the cell
     // under the pointer is where Shift starts from.
-    startSelection(cell);
-    Q_EMIT q->selectionChanged();
+    if (std::exchange(m_pressedOnSelected, false) && fixedCellAt(event->pos()).isValid())
+        replaceSelections(event->pos());
 }
 
 void TableInteraction::mouseDoubleClick(QMouseEvent *event)
@@ -184,6 +196,21 @@ void TableInteraction::mouseDoubleClick(QMouseEvent *event)
     const Cell cell{q->rowAt(event->pos().y()), q->columnAt(event->pos().x())};
     if (event->button() == Qt::LeftButton && !cell.isNone() && isSteppable(cell.row, cell.col))
         Q_EMIT q->doubleClicked(cell.row, cell.col, event->button(), event->pos());
+}
+
+void TableInteraction::contextMenu(QContextMenuEvent *event)
+{
+    event->accept();
+    Cell cell{q->rowAt(event->pos().y()), q->columnAt(event->pos().x())};
+    QPoint pos = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        cell = {d->rows.current, d->columns.current};
+        const QPoint corner = q->cellGeometry(cell.row, cell.col).bottomLeft();
+        const QRect view = q->viewport()->rect();
+        pos = q->viewport()->mapToGlobal({std::clamp(corner.x(), 0, std::max(view.right(), 0)),
+                                          std::clamp(corner.y(), 0, std::max(view.bottom(), 0))});
+    }
+    Q_EMIT q->contextMenuRequested(cell.row, cell.col, pos);
 }
 
 void TableInteraction::autoScroll()
@@ -281,7 +308,7 @@ void TableInteraction::moveByKey(int key, bool extend)
     if (!table)
         return;
     if (extend)
-        extendSelection(anchor, target);
+        extendSelection(anchor);
     else if (!q->isSelected(d->rows.current, d->columns.current, false))
         selectOnly(false);
 }
@@ -298,11 +325,11 @@ TableInteraction::Cell TableInteraction::keyTarget(int key) const
     case Qt::Key_End:
         return {lastRow, col};
     case Qt::Key_Left:
-        return {row, std::max(col - 1, 0LL)};
+        return {row, std::max(tul::saturatedAdd(col, -1), 0LL)};
     case Qt::Key_Right:
         return {row, std::min(col + 1, lastCol)};
     case Qt::Key_Up:
-        return {std::max(row - 1, 0LL), col};
+        return {std::max(tul::saturatedAdd(row, -1), 0LL), col};
     case Qt::Key_Down:
         return {std::min(row + 1, lastRow), col};
     case Qt::Key_PageUp:
@@ -333,22 +360,35 @@ long long TableInteraction::pageTarget(int direction) const
 /// Whether the user can step on the cell: it is empty or its item is enabled.
 bool TableInteraction::isSteppable(long long row, long long col) const
 {
+    if (!q->isSectionValid(row, col))
+        return true; // there is nothing to ask an override of item() for
     const MDATableItem *item = q->item(row, col);
     return !item || item->isEnabled();
 }
 
-/// The visible cell nearest to a position of the viewport; none on an empty table.
+/// The visible cell nearest to a position of the viewport; -1 where there is no row or no column.
 TableInteraction::Cell TableInteraction::fixedCellAt(const QPoint &pos) const
 {
-    const Cell cell{d->rows.fixed(q->rowAt(pos.y()), pos.y()),
-                    d->columns.fixed(q->columnAt(pos.x()), pos.x())};
-    return cell.isValid() ? cell : Cell{-1, -1};
+    return {d->rows.fixed(q->rowAt(pos.y()), pos.y()),
+            d->columns.fixed(q->columnAt(pos.x()), pos.x())};
 }
 
 void TableInteraction::startSelection(const Cell &cell)
 {
     d->selections.start(cell.row, cell.col);
     q->updateCell(cell.row, cell.col);
+}
+
+/// Replaces all blocks by an inactive one at a position of the viewport.
+void TableInteraction::replaceSelections(const QPoint &pos)
+{
+    const QPointer<MDATable> table(q);
+    q->clearSelection();
+    const Cell cell = table ? fixedCellAt(pos) : Cell{-1, -1};
+    if (!cell.isValid())
+        return;
+    startSelection(cell);
+    Q_EMIT q->selectionChanged();
 }
 
 /// Replaces all blocks by one at the current cell: inactive after a key, active after a press.
@@ -368,10 +408,15 @@ void TableInteraction::selectOnly(bool active)
     Q_EMIT q->selectionChanged();
 }
 
-void TableInteraction::extendSelection(const Cell &anchor, const Cell &to)
+/// Grows the current block to the current cell. Where there is none yet, it starts at `anchor`, the
+/// cell that was current before, if that still is a cell.
+void TableInteraction::extendSelection(const Cell &anchor)
 {
+    const Cell to{d->rows.current, d->columns.current};
+    if (!q->isSectionValid(to.row, to.col))
+        return;
     if (!d->selections.current())
-        startSelection(anchor);
+        startSelection(q->isSectionValid(anchor.row, anchor.col) ? anchor : to);
     MDATableSelection *block = d->selections.current();
     const MDATableSelection before = *block;
     block->expandTo(to.row, to.col);

@@ -6,6 +6,7 @@
 class MDATable;
 class MDATablePrivate;
 class MDATableSelection;
+class QContextMenuEvent;
 class QKeyEvent;
 class QMouseEvent;
 
@@ -18,6 +19,8 @@ class TableInteraction
 public:
     TableInteraction(MDATable *table, MDATablePrivate *state);
 
+    void setCurrentCell(long long row, long long col, bool updateSelections, bool ensureVisible);
+
     void keyPress(QKeyEvent *event);
     void activateNextCell();
 
@@ -25,6 +28,7 @@ public:
     void mouseMove(QMouseEvent *event);
     void mouseRelease(QMouseEvent *event);
     void mouseDoubleClick(QMouseEvent *event);
+    void contextMenu(QContextMenuEvent *event);
 
     /// Grows the current selection to the cell under the pointer and scrolls it into view; goes on
     /// by itself while the pointer is outside the viewport.
@@ -52,7 +56,8 @@ private:
     Cell fixedCellAt(const QPoint &pos) const;
     void startSelection(const Cell &cell);
     void selectOnly(bool active);
-    void extendSelection(const Cell &anchor, const Cell &to);
+    void replaceSelections(const QPoint &pos);
+    void extendSelection(const Cell &anchor);
 
     MDATable *const q;
     MDATablePrivate *const d;
