@@ -6,7 +6,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
-#include <QElapsedTimer>
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QPointer>
@@ -84,7 +83,8 @@ void play(MDATable *table, const QString &step)
     static const QHash<QString, QEvent::Type> mouse{{"press"_s, QEvent::MouseButtonPress},
                                                     {"drag"_s, QEvent::MouseMove},
                                                     {"release"_s, QEvent::MouseButtonRelease},
-                                                    {"double"_s, QEvent::MouseButtonDblClick}};
+                                                    {"double"_s, QEvent::MouseButtonDblClick},
+                                                    {"menu"_s, QEvent::ContextMenu}};
     const QEvent::Type type = mouse.value(verb.section(QLatin1Char('-'), -1), QEvent::None);
     if (type == QEvent::None) {
         calls.contains(verb) ? calls.value(verb)(table, n) : void(sendKey(table, step));
@@ -92,15 +92,37 @@ void play(MDATable *table, const QString &step)
     }
     const QPoint pos = isPosition
         ? QPoint(int(n[0]), int(n[1]))
-        : table->cellGeometry(n[0], n[1]).center() + QPoint(1, 1) * int(n.value(2));
+        : table->cellGeometry(n[0], n.value(1)).center() + QPoint(1, 1) * int(n.value(2));
     const QPoint global = table->viewport()->mapToGlobal(pos);
     QCursor::setPos(global);
+    if (type == QEvent::ContextMenu) {
+        const bool byKey = verb.startsWith(QLatin1String("key-"));
+        QContextMenuEvent menu(byKey ? QContextMenuEvent::Keyboard : QContextMenuEvent::Mouse, pos,
+                               global);
+        QApplication::sendEvent(byKey ? table : table->viewport(), &menu);
+        return;
+    }
     const auto button = verb.startsWith(QLatin1String("right-")) ? Qt::RightButton : Qt::LeftButton;
     const bool isShift = verb.startsWith(QLatin1String("Shift-"));
     QMouseEvent event(type, pos, global, type == QEvent::MouseMove ? Qt::NoButton : button,
                       type == QEvent::MouseButtonRelease ? Qt::NoButton : button,
                       isShift ? Qt::ShiftModifier : Qt::NoModifier);
     QApplication::sendEvent(table->viewport(), &event);
+}
+
+// Whether the current cell and what blocks hold are in the table.
+bool isInside(const MDATable &table)
+{
+    bool inside = table.currentRow() < table.numRows() && table.currentColumn() < table.numCols();
+    for (int i = 0; i < table.numSelections(); ++i) {
+        const Block block = table.selection(i);
+        const bool isNothing = block.numRows() < 1 || block.numCols() < 1;
+        inside = inside
+            && (isNothing
+                || (table.isSectionValid(block.topRow(), block.leftCol())
+                    && table.isSectionValid(block.bottomRow(), block.rightCol())));
+    }
+    return inside;
 }
 
 bool autoScrollWaits(const MDATable &table)
@@ -146,11 +168,13 @@ public:
     MDATableItem *item(long long row, long long col) const override
     {
         ++served;
+        servedOutside += !isSectionValid(row, col);
         m_item.setText("%1:%2"_s.arg(row).arg(col));
         return &m_item;
     }
 
     mutable int served = 0;
+    mutable int servedOutside = 0;
     mutable CountedItem m_item;
 };
 
@@ -200,11 +224,11 @@ private Q_SLOTS:
         }
     }
 
-    void tabStaysInTheTable()
+    void onlyCtrlAndTabLeaveTheTable()
     {
         QWidget window;
         auto *table = new RecordingTable(3, 2, &window);
-        new QLineEdit(&window); // would get the focus
+        auto *other = new QLineEdit(&window); // would get the focus
         table->setGeometry(0, 30, 300, 200);
         window.show();
         window.activateWindow();
@@ -212,6 +236,11 @@ private Q_SLOTS:
         table->setFocus();
         playAll(table, "Tab > 0,1 (0,1)*|Tab|Shift+Tab > 0,0 (0,0)*|Shift+Backtab"_s);
         QCOMPARE(QApplication::focusWidget(), table);
+        for (const QString &key : {"Ctrl+Tab"_s, "Ctrl+Shift+Backtab"_s}) {
+            table->setFocus();
+            playAll(table, key + " > 0,0 (0,0)*"_s);
+            QCOMPARE(QApplication::focusWidget(), other);
+        }
     }
 
     void stepsLeadToBlocks_data()
@@ -221,7 +250,9 @@ private Q_SLOTS:
             << "at 1000000000000,3|log > current 9,3, selected|at 9,3|log"
                "|at 9,1000000000000 > 9,5 (9,5)*|log > current 9,5, selected"
                "|at -5,3|log > current -5,3, selected|at -1,-1|log > current -1,-1, selected"
-               "|Down|Home|PgUp|Tab|Backtab|Return|Shift+Down|Shift+Return > -1,-1";
+               "|Down|Home|PgUp|Tab|Backtab|Return|Shift+Down|Shift+Return > -1,-1"
+               "|at -9223372036854775808,0|Up > 0,0 (0,0)*|at 0,-9223372036854775808"
+               "|Left > 0,0 (0,0)*";
         // By design: in a block, the column advances only after the table's last row.
         QTest::newRow("Return steps down and round blocks")
             << "rows 7|hideRows 3,3|hideRows 0,0|hideColumn 2|hideColumn 0|hideColumn 5"
@@ -234,6 +265,10 @@ private Q_SLOTS:
         QTest::newRow("double clicks tell the cell under the pointer")
             << "log|right-double 4,2|double 4,2 > 0,0 (0,0)*|log > doubleClicked 4,2 left"
                "|rows 3|clear|log|double @150,250|log";
+        QTest::newRow("context menus tell the cell, and a place in the viewport")
+            << "at 3,1|log|menu 4,2|menu @350,250|key-menu|at -5,3|key-menu"
+               "|log > current -5,3, menu -1,-1 at 350,250, menu -5,3 at 60,0, "
+               "menu 3,1 at 20,79, menu 4,2 at 49,89, selected";
         QTest::newRow("current cell inside a block keeps the blocks")
             << "select 1,1,3,3|row 8 > 0,0 (0,0) [1,1-3,3] [8,0-8,5]*|log > selected, selected"
                "|at 2,2 > 2,2 (0,0) [1,1-3,3] [8,0-8,5]*|log > current 2,2"
@@ -277,11 +312,13 @@ private Q_SLOTS:
                "|press @300,250 > 3,2 [3,2]*|log > current 3,0, current 3,2, pressed 3,0 left, "
                "pressed 3,2 left, selected, selected"
                "|rows 0|log > current -1,-1, selected|press @300,250|drag @305,255|release @300,250"
-               "|double @300,250 > -1,-1|log > ";
+               "|double @300,250 > -1,2|log > current -1,2, pressed -1,2 left"
+               "|columns 0|log > current -1,-1|press @300,250 > -1,-1|log > ";
         QTest::newRow("blocks are added and removed")
             << "clear|log|add 20,9,8,2|add 8,2,20,9 > 0,0 [8,2-9,5] [8,2-9,5]*|remove -1|remove 2"
                "|log > selected, selected|remove 1 > 0,0 [8,2-9,5]|log > selected"
-               "|Shift+Down > 1,0 [8,2-9,5] [0,0-1,0]*"; // starts another one
+               "|Shift+Down > 1,0 [8,2-9,5] [0,0-1,0]*" // starts another one
+               "|clear|add 8,2,20,9|Shift+Right > 1,1 [1,1-8,2]*"; // from its anchor
         // By design, columns unlike rows: selectColumn(-1) selects empty texts.
         QTest::newRow("rows and columns outside are selected differently")
             << "clear|row -1 > 0,0|column -1 > 0,0 [0,-1-9,-1]*|rows 3|column -1|copy > //"
@@ -310,33 +347,15 @@ private Q_SLOTS:
         logMouse(&MDATable::pressed, "pressed"_s);
         logMouse(&MDATable::clicked, "clicked"_s);
         logMouse(&MDATable::doubleClicked, "doubleClicked"_s);
+        connect(&table, &MDATable::contextMenuRequested,
+                [&](long long row, long long col, const QPoint &pos) {
+                    const QPoint place = table.viewport()->mapFromGlobal(pos);
+                    log += "menu %1,%2 at %3,%4"_s.arg(row).arg(col).arg(place.x()).arg(place.y());
+                });
         connect(&table, &MDATable::currentChanged,
                 [&](long long row, long long col) { log += "current %1,%2"_s.arg(row).arg(col); });
         connect(&table, &MDATable::selectionChanged, [&] { log += "selected"_s; });
         playAll(&table, script, &log);
-    }
-
-    void contextMenusTellTheCellUnderThePointer()
-    {
-        RecordingTable table(6, 6);
-        QVERIFY(table.showSettled());
-        const QSignalSpy menus(&table, &MDATable::contextMenuRequested);
-        const QPoint pos = table.cellGeometry(4, 2).center();
-        const auto told = [&](const QPoint &place, QContextMenuEvent::Reason reason) {
-            const QPoint global = table.viewport()->mapToGlobal(place);
-            QContextMenuEvent menu(reason, place, global);
-            const bool mouse = reason == QContextMenuEvent::Mouse;
-            QApplication::sendEvent(mouse ? table.viewport() : &table, &menu);
-            const QVariantList last = menus.value(menus.size() - 1);
-            return "%1,%2 "_s.arg(last.value(0).toLongLong()).arg(last.value(1).toLongLong())
-                + (menu.isAccepted() && last.value(2) == global ? "there"_s : "elsewhere"_s);
-        };
-        QCOMPARE(told(pos, QContextMenuEvent::Mouse), "4,2 there"_s);
-        QCOMPARE(told(QPoint(350, pos.y()), QContextMenuEvent::Mouse), "4,-1 there"_s);
-        QCOMPARE(told(QPoint(350, 250), QContextMenuEvent::Mouse), "-1,-1 there"_s);
-        table.setCurrentCell(3, 1);
-        const QPoint corner = table.cellGeometry(3, 1).bottomLeft();
-        QCOMPARE(told(corner, QContextMenuEvent::Keyboard), "3,1 there"_s);
     }
 
     void draggingSelectsAndScrollsWhileThePointerIsOutside()
@@ -366,14 +385,19 @@ private Q_SLOTS:
     void autoScrollEndsWithTheDrag()
     {
         QWidget other;
-        for (const bool hides : {true, false}) {
+        const std::function<void(QWidget *)> ends[] = {
+            [](QWidget *table) { table->hide(); },
+            [](QWidget *table) { table->setEnabled(false); },
+            [&other](QWidget *) { other.show(); },
+        };
+        for (const auto &end : ends) {
             RecordingTable table(100000, 10);
             QVERIFY(table.showSettled());
             table.activateWindow();
             QVERIFY(QTest::qWaitForWindowActive(&table));
             playAll(&table, "press @5,5|drag @5,400|right-release @5,400"_s);
             QVERIFY(autoScrollWaits(table)); // the right button does not count
-            hides ? table.hide() : other.show();
+            end(&table);
             other.activateWindow();
             QTRY_VERIFY(!autoScrollWaits(table));
         }
@@ -397,23 +421,6 @@ private Q_SLOTS:
         QVERIFY(!table.isSelected(9, 0));
         playAll(&table, "clear"_s);
         QVERIFY(!table.isSelected(1, 1));
-    }
-
-    void blocksKeepTheirAnchorsAndAreRemovedWithoutThem()
-    {
-        RecordingTable table(10, 6);
-        table.clearSelection();
-        Block inactive;
-        inactive.init(1, 1);
-        QCOMPARE(table.addSelection(inactive), -1);
-        QCOMPARE(table.addSelection(Block(20, 9, 8, 2)), 0); // upwards
-        QCOMPARE(table.addSelection(Block(8, 2, 20, 9)), 1);
-        QVERIFY(table.selection(0).anchorRow() == 20 && table.selection(0).anchorCol() == 9);
-        table.removeSelection(inactive);
-        table.removeSelection(Block(9, 5, 8, 2));
-        QVERIFY(table.numSelections() == 1 && table.getCurrentSelection().anchorRow() == 8);
-        table.removeSelection(0);
-        QVERIFY(table.getCurrentSelection() == Block() && table.selection(7) == Block());
     }
 
     void blocksTooLargeForATextAreNotCopied()
@@ -447,7 +454,8 @@ private Q_SLOTS:
             = "press @75,30|Shift-press @105,70|drag @105,70|drag @50,500"
               "|release @50,500|select 0,0,5,5|press @75,30|release @75,30"
               "|select 0,0,5,5|press @75,30|drag @105,70|double @75,30|at 7,2|Down"
-              "|Shift+End|Backtab|Tab|Return|remove 0"_s.split(QLatin1Char('|'));
+              "|Shift+End|at 7,0|clear|Shift+Down|Backtab|Tab|Return|remove 0"_s.split(
+                  QLatin1Char('|'));
         for (const QString &answer : {"clear"_s, "at 4,4"_s, "row 3"_s, "rows 1"_s, "columns 1"_s,
                                       "hideRows 0,9"_s, "empty"_s, "delete"_s}) {
             // To each signal in turn, from a fresh table each time.
@@ -467,12 +475,12 @@ private Q_SLOTS:
                 connect(table, &MDATable::pressed, table, reply);
                 connect(table, &MDATable::clicked, table, reply);
                 connect(table, &MDATable::doubleClicked, table, reply);
-                for (int step = 0; step < steps.size() && table; ++step)
+                for (int step = 0; step < steps.size() && table; ++step) {
                     play(table, steps.at(step));
+                    QVERIFY2(!table || isInside(*table), qPrintable(steps.at(step)));
+                }
                 if (!table)
                     continue;
-                QVERIFY(table->currentRow() < table->numRows());
-                QVERIFY(table->currentColumn() < table->numCols());
                 RecordingTable::settle();
                 delete table;
             }
@@ -485,8 +493,6 @@ private Q_SLOTS:
 
     void trillionsOfServedCellsAreHandledLikeAFew()
     {
-        QElapsedTimer timer;
-        timer.start();
         ServingTable table(0, 1);
         table.setSparse(true);
         table.setNumRows(trillion);
@@ -497,35 +503,30 @@ private Q_SLOTS:
         bar->setValue(bar->maximum());
         RecordingTable::settle();
         const long long bottom = table.rowAt(view.height() - 1);
-        playAll(
-            &table,
-            "press %1,1|release %1,1|Shift-press %2,2|release %2,2|copy > %1:1,%1:2/%2:1,%2:2|press %3,1"_s
-                .arg(bottom - 3)
-                .arg(bottom - 2)
-                .arg(bottom - 5));
+        const QString script
+            = "press %1,1|release %1,1|Shift-press %2,2|release %2,2|copy > %1:1,%1:2/%2:1,%2:2"_s;
+        playAll(&table, script.arg(bottom - 3).arg(bottom - 2));
+        play(&table, "press %1,1"_s.arg(bottom - 5));
         play(&table, "drag @%1,-5"_s.arg(view.width() + 5));
         QTRY_VERIFY(table.currentRow() < bottom - 8 && table.horizontalScrollBar()->value() > 0);
         playAll(&table, "release @5,5"_s);
-        const Block block = table.getCurrentSelection();
-        QCOMPARE(block.bottomRow(), bottom - 5);
-        QCOMPARE(copied(&table).count(QLatin1Char('/')), int(block.numRows() - 1));
+        QCOMPARE(table.getCurrentSelection().bottomRow(), bottom - 5);
         table.hideRows(6, 5 + billion);
         table.hideColumns(6, 5 + billion);
         // Row and column 6 + billion come next.
         playAll(&table,
-                "Shift+PgDown|at 5,5|clear|Down > 1000000006,5 (1000000006,5)*|Up > 5,5 (5,5)*"
-                "|Right > 5,1000000006 (5,1000000006)*|Left > 5,5 (5,5)*"
-                "|Tab > 5,1000000006 (5,1000000006)*|Backtab > 5,5 (5,5)*"
+                "at 5,5|clear|Down > 1000000006,5 (1000000006,5)*|Up > 5,5 (5,5)*"
+                "|Right > 5,1000000006 (5,1000000006)*|Backtab > 5,5 (5,5)*"
                 "|Return > 1000000006,5 (1000000006,5)*|End"
-                "|Return > 0,1000000006 (0,1000000006)*"_s);
-        table.showColumns(0, trillion);
-        playAll(&table, "Backtab > 0,1000000005 (0,1000000005)*|hideRows 10,1000000000000"_s);
+                "|Return > 0,1000000006 (0,1000000006)*|add 1,-1,1,0|copy > ,1:0"_s);
+        table.hideRows(10, trillion);
+        table.horizontalScrollBar()->setValue(0);
         play(&table, "press @10,%1"_s.arg(view.height() - 1)); // below all rows
         QCOMPARE(table.currentRow(), 5LL);
         table.selectCells(0, 0, trillion, trillion);
         RecordingTable::settle();
+        QCOMPARE(table.servedOutside, 0);
         QVERIFY2(table.served < 100000, qPrintable(QString::number(table.served)));
-        QVERIFY2(timer.elapsed() < 15000, qPrintable(QString::number(timer.elapsed())));
     }
 };
 
