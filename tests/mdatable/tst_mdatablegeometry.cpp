@@ -160,16 +160,18 @@ private Q_SLOTS:
         QCOMPARE(table.paintEvents.size(), 1);
     }
 
-    void headersStandBesideTheViewport()
+    void headersStandBesideTheViewportAlsoWhenTheDirectionChanges()
     {
-        for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        QApplication::setLayoutDirection(Qt::RightToLeft);
+        RecordingTable table(10, 100);
+        table.setLeftHeaderLines(2);
+        table.setTopHeaderLines(1);
+        const int left = table.leftHeader()->fixedExtent();
+        const int top = table.topHeader()->fixedExtent();
+        QVERIFY(table.showSettled());
+        for (const auto direction : {Qt::RightToLeft, Qt::LeftToRight, Qt::RightToLeft}) {
             QApplication::setLayoutDirection(direction);
-            RecordingTable table(10, 100);
-            table.setLeftHeaderLines(2);
-            table.setTopHeaderLines(1);
-            const int left = table.leftHeader()->fixedExtent();
-            const int top = table.topHeader()->fixedExtent();
-            QVERIFY(table.showSettled());
+            RecordingTable::settle();
             const int frame = table.frameWidth();
             const QRect view = table.viewport()->geometry();
             const int x = direction == Qt::LeftToRight ? frame : table.width() - frame - left;
@@ -177,26 +179,43 @@ private Q_SLOTS:
             QCOMPARE(table.leftHeader()->geometry(), QRect(x, top + frame, left, view.height()));
             QCOMPARE(table.topHeader()->geometry(), QRect(view.x(), frame, view.width(), top));
             QVERIFY(table.columnPos(1) > table.columnPos(0)); // cells are not mirrored
-            table.setLeftHeaderLines(0);
-            QCOMPARE(table.viewport()->width(), view.width() + left);
+        }
+        const int width = table.viewport()->width();
+        table.setLeftHeaderLines(0);
+        QCOMPARE(table.viewport()->width(), width + left);
+        QApplication::setLayoutDirection(Qt::LeftToRight);
+        table.setLayoutDirection(Qt::RightToLeft); // on its own
+        table.setLeftMargin(50);
+        QCOMPARE(table.viewport()->geometry().right() + 1, table.leftHeader()->x());
+    }
+
+    void cellMadeCurrentBeforeTheFirstShowIsInViewThen()
+    {
+        for (const int scrolled : {0, 70}) {
+            QWidget window;
+            RecordingTable table(100000, 10, &window);
+            table.setCurrentCell(5000, 0);
+            if (scrolled != 0)
+                table.verticalScrollBar()->setValue(scrolled); // the host's own choice stays
+            table.resize(200, 90);
+            window.show();
+            QCOMPARE(table.verticalScrollBar()->value() == scrolled, scrolled != 0);
+            QCOMPARE(table.viewport()->rect().contains(table.cellGeometry(5000, 0)), scrolled == 0);
         }
     }
 
-    void onlyOneLayoutRunsAtATime()
+    // A header that is wider than its rows are long goes back to the start when it is resized.
+    void barsFollowTheHeaders()
     {
-        RecordingTable table(100, 100);
-        RecordingTable other(100, 100);
-        table.setNumRows(100);
-        QVERIFY(table.showSettled() && other.showSettled());
-        table.verticalScrollBar()->setValue(highest);
-        // The pull back of the layout asks for a layout of the other table, which is dropped.
-        connect(table.verticalScrollBar(), &QScrollBar::valueChanged, &other,
-                [&other] { other.setLeftMargin(50); });
-        table.leftHeader()->setCount(20);
-        table.updateGeometries();
-        QCOMPARE(other.leftHeader()->width(), 0);
-        other.updateGeometries();
-        QCOMPARE(other.leftHeader()->width(), 50);
+        RecordingTable table(5, 3);
+        table.setLeftMargin(297);
+        QVERIFY(table.showSettled(QSize(400, 80)));
+        scrollTo(table, 0, 15);
+        QCOMPARE(table.rowPos(0), -15);
+        table.resize(400, 70);
+        QCOMPARE(table.verticalScrollBar()->value(), -table.rowPos(0));
+        scrollTo(table, 0, 15);
+        QCOMPARE(table.rowPos(0), -15);
     }
 
     void onlyWhatChangedIsPaintedAnew()
@@ -218,6 +237,11 @@ private Q_SLOTS:
         table.selectCells(1, 2, 10000000000LL, 3); // however many cells, most of them hidden
         RecordingTable::settle();
         QCOMPARE(table.paintEvents, Rects{QRect(0, 0, 82, table.viewport()->height())});
+        RecordingTable small(3, 3);
+        QVERIFY(small.showSettled());
+        small.setSparse(true); // its items are not found any more
+        RecordingTable::settle();
+        QCOMPARE(small.paintEvents, Rects{small.viewport()->rect()});
     }
 
     void largeTablesAskForSomeContentsOnly()
