@@ -12,17 +12,17 @@
 #include <cmath>
 #include <functional>
 
-using Prepare = std::function<void(QPainter *)>;
 namespace
 {
+
+using Way = std::function<void(QPainter *)>;
 
 const QRect cell(7, 5, 72, 26);
 const int rightCentred = Qt::AlignRight | Qt::AlignVCenter;
 const int leftCentred = Qt::AlignLeft | Qt::AlignVCenter;
 
 struct Scene {
-    QFont font;
-    QString text = "-12.5e3"_s;
+    QString text;
     QRect rect = cell;
     int margin = 2; // of cells, left and right of their text
     int flags = rightCentred;
@@ -34,32 +34,15 @@ struct Scene {
     int fineness = 1; // of the image's dots
     bool isRecorded = false; // in a picture, which is then drawn
     QPointF shift;
-    Prepare prepare = [](QPainter *) {};
 };
 
-// Around the cell there is another colour, which neither way may touch unless both do.
-QImage newImage(const Scene &scene)
+Way inFont(const std::function<void(QFont &)> &change)
 {
-    QImage image(QSize(90, 40) * scene.ratio, scene.format);
-    image.setDevicePixelRatio(scene.ratio);
-    image.setDotsPerMeterX(scene.fineness * image.dotsPerMeterX());
-    image.setDotsPerMeterY(scene.fineness * image.dotsPerMeterY());
-    image.fill(QColor(40, 160, 90));
-    return image;
-}
-
-void drawOn(QPainter *painter, const Scene &scene, bool plain)
-{
-    painter->setFont(scene.font);
-    painter->translate(scene.shift);
-    painter->fillRect(scene.rect.adjusted(-scene.margin, 0, scene.margin, 0), scene.background);
-    painter->setPen(scene.color);
-    scene.prepare(painter);
-    if (plain)
-        painter->drawText(scene.rect, scene.flags, scene.text);
-    else
-        tul::drawText(painter, scene.rect, scene.flags, scene.text,
-                      scene.namesBackground ? scene.background : QColor());
+    return [change](QPainter *painter) {
+        QFont font = painter->font();
+        change(font);
+        painter->setFont(font);
+    };
 }
 
 void showWindow(QPainter *painter, const QRect &window)
@@ -68,25 +51,36 @@ void showWindow(QPainter *painter, const QRect &window)
     painter->fillRect(cell.adjusted(-2, 0, 2, 0), Qt::white); // where it is now
 }
 
-// Whether the picture is that of the toolkit; tells what differs.
-bool isDrawnAlike(const Scene &scene)
+void drawOn(QPainter *painter, const Scene &scene, const Way &prepare, bool plain)
 {
-    QImage images[2];
-    for (const bool plain : {false, true}) {
-        images[plain] = newImage(scene);
-        QPicture picture;
-        QPainter painter;
-        painter.begin(scene.isRecorded ? static_cast<QPaintDevice *>(&picture) : &images[plain]);
-        drawOn(&painter, scene, plain);
-        painter.end();
-        if (scene.isRecorded)
-            QPainter(&images[plain]).drawPicture(0, 0, picture);
-    }
-    if (images[0] == images[1])
-        return true;
-    qWarning() << scene.text << scene.rect << scene.flags << scene.shift << scene.ratio
-               << scene.format << scene.background << scene.namesBackground;
-    return false;
+    painter->setFont(QFont("DejaVu Sans"_s, 10));
+    painter->translate(scene.shift);
+    painter->fillRect(scene.rect.adjusted(-scene.margin, 0, scene.margin, 0), scene.background);
+    painter->setPen(scene.color);
+    prepare(painter);
+    if (plain)
+        painter->drawText(scene.rect, scene.flags, scene.text);
+    else
+        tul::drawText(painter, scene.rect, scene.flags, scene.text,
+                      scene.namesBackground ? scene.background : QColor());
+}
+
+// Around the cell there is another colour, which neither way may touch unless both do.
+QImage drawn(const Scene &scene, const Way &prepare, bool plain)
+{
+    QImage image(QSize(90, 40) * scene.ratio, scene.format);
+    image.setDevicePixelRatio(scene.ratio);
+    image.setDotsPerMeterX(scene.fineness * image.dotsPerMeterX());
+    image.setDotsPerMeterY(scene.fineness * image.dotsPerMeterY());
+    image.fill(QColor(40, 160, 90));
+    QPicture picture;
+    QPainter painter;
+    painter.begin(scene.isRecorded ? static_cast<QPaintDevice *>(&picture) : &image);
+    drawOn(&painter, scene, prepare, plain);
+    painter.end();
+    if (scene.isRecorded)
+        QPainter(&image).drawPicture(0, 0, picture);
+    return image;
 }
 
 template<typename T> T oneOf(QRandomGenerator &random, std::initializer_list<T> values)
@@ -129,7 +123,6 @@ private Q_SLOTS:
             "apples|\u0663|\uff15|\u22125|5\u00a0");
         for (const QString &text : texts.split(QLatin1Char('|')))
             QVERIFY2(tul::isNumber(text) == isTaken(text), qPrintable(text));
-        QVERIFY(!tul::isNumber(QString("12"_s.append(QChar(0)))));
         QRandomGenerator random(1);
         const QString characters = "0123456789012345678901234567890--..+e, "_s;
         for (int i = 0; i < 20000; ++i) {
@@ -143,64 +136,22 @@ private Q_SLOTS:
     void textIsMeasuredAndDrawnAsByTheToolkit()
     {
         using F = QFont &;
-        const QVector<std::function<void(F)>> changes{
-            [](F f) { f.setPointSize(7); },
-            [](F f) { f.setFamily("DejaVu Sans Mono"_s); },
-            [](F f) { f.setFamily("DejaVu Serif"_s); },
-            [](F f) { f = QFont("DejaVu Sans Mono"_s, 12, -1, true); },
-            [](F f) { f = QFont("DejaVu Serif"_s, 12, -1, true); },
-            [](F f) { f.setBold(true); },
-            [](F f) { f.setUnderline(true); },
-            [](F f) { f.setCapitalization(QFont::SmallCaps); },
-            [](F f) { f.setLetterSpacing(QFont::AbsoluteSpacing, 6); },
-            [](F f) { f.setLetterSpacing(QFont::PercentageSpacing, 80); },
-            [](F f) { f.setLetterSpacing(QFont::AbsoluteSpacing, -3); },
-            [](F f) { f.setStretch(140); },
-            [](F f) { f.setHintingPreference(QFont::PreferNoHinting); },
-            [](F f) { f.setStyleStrategy(QFont::NoAntialias); },
-            [](F f) { f.setPointSizeF(9.3); },
-        };
-        QRandomGenerator random(3);
-        Scene scene;
-        // Fonts and colours alternate, more of them than are kept at a time.
-        for (int i = 0; i < 200 * changes.size(); ++i) {
-            scene.font = QFont("DejaVu Sans"_s, 10);
-            changes.at(i / 4 % changes.size())(scene.font);
-            const QFontMetrics metrics(scene.font);
-            const auto isMeasuredAlike = [&](const QString &text) {
-                return tul::textSize(scene.font, text)
-                    == QSize(metrics.horizontalAdvance(text), metrics.height());
-            };
-            for (const auto &text : {""_s, "a word"_s, "1 000"_s, QString(200, QLatin1Char('8'))})
-                QVERIFY2(isMeasuredAlike(text), qPrintable(scene.font.toString()));
-            const bool isDark = random.bounded(2) == 0;
-            const int hue = i % 10 * 30;
-            scene.color = isDark ? QColor(230, 240, 250) : QColor::fromHsv(hue, 255, i % 2 * 120);
-            scene.background = isDark ? QColor(35, 38, 41) : QColor::fromHsv(hue, i % 3 * 30, 250);
-            scene.ratio = oneOf(random, {1.0, 1.5, 2.0});
-            scene.format
-                = oneOf(random, {QImage::Format_RGB32, QImage::Format_ARGB32_Premultiplied});
-            scene.text = randomNumber(random);
-            QVERIFY2(isMeasuredAlike(scene.text), qPrintable(scene.text));
-            scene.namesBackground = i % 3 != 0;
-            // Ink reaches out of the rectangle, where the background may be another one.
-            scene.margin = oneOf(random, {0, 2});
-            // From too low and too narrow up, and as wide as the text.
-            const int wide = oneOf(random, {10, 40, 62, 80, metrics.horizontalAdvance(scene.text)});
-            scene.rect = QRect(7, 5, wide, random.bounded(6, 32));
-            scene.flags = oneOf<int>(
-                random,
-                {leftCentred, rightCentred, Qt::AlignLeft, Qt::AlignHCenter | Qt::AlignVCenter});
-            scene.shift
-                = oneOf<QPointF>(random, {{0, 0}, {3, 8}, {-30, -12}, {45, 25}, {0.5, 0.25}});
-            QVERIFY2(isDrawnAlike(scene), qPrintable(scene.font.toString()));
-        }
-    }
-
-    void unusualPaintersDrawAsTheyDoOtherwise()
-    {
         using P = QPainter *;
-        const QVector<Prepare> ways{
+        const QVector<Way> ways{
+            [](P) {},
+            inFont([](F f) { f.setPointSize(7); }),
+            inFont([](F f) { f.setFamily("DejaVu Sans Mono"_s); }),
+            inFont([](F f) { f = QFont("DejaVu Sans Mono"_s, 12, -1, true); }),
+            inFont([](F f) { f = QFont("DejaVu Serif"_s, 12, -1, true); }),
+            inFont([](F f) { f.setBold(true); }),
+            inFont([](F f) { f.setUnderline(true); }),
+            inFont([](F f) { f.setCapitalization(QFont::SmallCaps); }),
+            inFont([](F f) { f.setLetterSpacing(QFont::AbsoluteSpacing, 6); }),
+            inFont([](F f) { f.setLetterSpacing(QFont::AbsoluteSpacing, -3); }),
+            inFont([](F f) { f.setStretch(140); }),
+            inFont([](F f) { f.setHintingPreference(QFont::PreferNoHinting); }),
+            inFont([](F f) { f.setStyleStrategy(QFont::NoAntialias); }),
+            inFont([](F f) { f.setPointSizeF(9.3); }),
             [](P p) { p->setLayoutDirection(Qt::RightToLeft); },
             [](P p) { p->setOpacity(0.4); },
             [](P p) { p->setPen(QColor(200, 0, 0, 100)); },
@@ -214,32 +165,49 @@ private Q_SLOTS:
             [](P p) { p->rotate(10); },
             [](P p) { showWindow(p, QRect(0, 40, 90, -40)); },
             [](P p) { showWindow(p, QRect(0, 0, 45, 20)); },
-            [](P p) { p->setFont(QFont("DejaVu Serif"_s, 8)); },
         };
-        Scene scene;
-        for (int i = 0; i < 4 * ways.size(); ++i) {
-            scene.prepare = ways.at(i / 4);
-            scene.ratio = 1 + i % 2;
-            scene.namesBackground = i % 4 < 2;
-            QVERIFY2(isDrawnAlike(scene), qPrintable(QString::number(i / 4)));
+        QRandomGenerator random(3);
+        // Fonts and colours alternate, more of them than are kept at a time.
+        for (int i = 0; i < 200 * ways.size(); ++i) {
+            const Way &way = ways.at(i / 4 % ways.size());
+            QImage image(1, 1, QImage::Format_RGB32);
+            QPainter painter(&image);
+            way(&painter);
+            const QFontMetrics metrics(painter.font());
+            const auto isMeasuredAlike = [&](const QString &text) {
+                return tul::textSize(painter.font(), text)
+                    == QSize(metrics.horizontalAdvance(text), metrics.height());
+            };
+            Scene scene;
+            scene.text = randomNumber(random);
+            for (const auto &text : {""_s, "1 000"_s, QString(200, QLatin1Char('8')), scene.text})
+                QVERIFY2(isMeasuredAlike(text), qPrintable(text));
+            const bool isDark = random.bounded(2) == 0;
+            const int hue = i % 10 * 30;
+            scene.color = isDark ? QColor(230, 240, 250) : QColor::fromHsv(hue, 255, i % 2 * 120);
+            scene.background = isDark ? QColor(35, 38, 41) : QColor::fromHsv(hue, i % 3 * 30, 250);
+            scene.namesBackground = i % 3 != 0;
+            scene.ratio = oneOf(random, {1.0, 1.5, 2.0});
+            scene.format = oneOf(random,
+                                 {QImage::Format_RGB32, QImage::Format_ARGB32_Premultiplied,
+                                  QImage::Format_RGB32, QImage::Format_ARGB32_Premultiplied,
+                                  QImage::Format_ARGB32, QImage::Format_RGB16,
+                                  QImage::Format_Grayscale8, QImage::Format_Mono});
+            scene.fineness = 1 + (i % 37 == 0);
+            scene.isRecorded = i % 41 == 0;
+            // Ink reaches out of the rectangle, where the background may be another one.
+            scene.margin = oneOf(random, {0, 2});
+            // From too low and too narrow up, and as wide as the text.
+            const int wide = oneOf(random, {10, 40, 62, 80, metrics.horizontalAdvance(scene.text)});
+            scene.rect = QRect(7, 5, wide, random.bounded(6, 32));
+            scene.flags = oneOf<int>(
+                random,
+                {leftCentred, rightCentred, Qt::AlignLeft, Qt::AlignHCenter | Qt::AlignVCenter});
+            scene.shift
+                = oneOf<QPointF>(random, {{0, 0}, {3, 8}, {-30, -12}, {45, 25}, {0.5, 0.25}});
+            QVERIFY2(drawn(scene, way, false) == drawn(scene, way, true),
+                     qPrintable("%1: %2"_s.arg(i).arg(scene.text)));
         }
-    }
-
-    void otherDevicesAreDrawnOnAsOtherwise()
-    {
-        Scene scene;
-        for (const QImage::Format format :
-             {QImage::Format_ARGB32, QImage::Format_RGB16, QImage::Format_Grayscale8,
-              QImage::Format_RGB30, QImage::Format_Mono}) {
-            scene.format = format;
-            QVERIFY(isDrawnAlike(scene));
-        }
-        scene.format = QImage::Format_RGB32;
-        scene.fineness = 2;
-        QVERIFY(isDrawnAlike(scene));
-        scene.fineness = 1;
-        scene.isRecorded = true;
-        QVERIFY(isDrawnAlike(scene));
     }
 };
 

@@ -190,17 +190,6 @@ private Q_SLOTS:
         }
     }
 
-    void entriesThatWentDuringTheDragAreNotRemovedAgain()
-    {
-        DimensionList list("ABC"_s);
-        DimensionList other("XY"_s, 320);
-        list.showWith("AB"_s);
-        other.showWith({});
-        drag(list, QLatin1Char('A'), other, QLatin1Char('Y'), {}, [&] { delete list.takeItem(0); });
-        QCOMPARE(list.names(), "C"_s);
-        QCOMPARE(other.names(), "XABY"_s);
-    }
-
     void dragThatIsCancelledOrCannotStartRemovesNothing()
     {
         DimensionList list("ABC"_s);
@@ -208,15 +197,19 @@ private Q_SLOTS:
         list.showWith("C"_s);
         drag(list, QLatin1Char('C'), list, QLatin1Char('A'), {},
              [&] { QTest::keyClick(list.windowHandle(), Qt::Key_Escape); });
-        QCOMPARE(list.names(), "ABC"_s);
-
-        QTimer cancel; // in case that it does start
-        connect(&cancel, &QTimer::timeout, &QDrag::cancel);
-        cancel.start(0);
         list.hasMimeData = false;
-        const int drags = list.findChildren<QDrag *>().size();
         list.startDrag(Qt::MoveAction);
-        QCOMPARE(list.findChildren<QDrag *>().size(), drags);
+        QCOMPARE(list.names(), "ABC"_s);
+    }
+
+    void entriesThatWentDuringTheDragAreNotRemovedAgain()
+    {
+        DimensionList list("ABC"_s);
+        DimensionList other("XY"_s, 320);
+        list.showWith("AB"_s);
+        other.showWith({});
+        drag(list, QLatin1Char('A'), other, QLatin1Char('Y'), {}, [&] { delete list.takeItem(0); });
+        QCOMPARE(list.names() + other.names(), "CXABY"_s);
     }
 
     void listThatGoesEndsItsDrag()

@@ -114,19 +114,6 @@ class TestMDATableHeader : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void hiddenSectionsTakeNoSpace()
-    {
-        const Fixture fixture(true, 100, {{0, 9}});
-        MDATableHeader *header = fixture.header;
-        header->hideSections(10, 19);
-        QVERIFY(header->sectionAt(10 * 20) == 20 && header->sectionAt(10 * 20 - 1) == 9);
-        QVERIFY(header->sectionPos(15) == 200 && header->sectionPos(20) == 200);
-        QVERIFY(header->contentLength() == 1800 && header->sectionAt(1800) == -1);
-        header->setCount(12);
-        header->setCount(100); // what was hidden beyond the end still is
-        QVERIFY(header->isSectionHidden(19));
-    }
-
     void metricsFollowTheLines()
     {
         const RecordingTable table(10, 10);
@@ -265,16 +252,6 @@ private Q_SLOTS:
                          fixture.image(header->rect()));
             }
         }
-    }
-
-    void offsetIsDroppedWhenTheContentsAreShorterThanTheWidth()
-    {
-        const Fixture fixture(false, 100, {{0, 99}});
-        fixture.header->setOffset(500);
-        fixture.header->resize(100, 2100); // the height does not count, even for rows
-        QCOMPARE(fixture.header->offset(), 500);
-        fixture.header->resize(2001, 300);
-        QCOMPARE(fixture.header->offset(), 0);
     }
 
     void leftButtonPressesReleasesAndClicksSections()

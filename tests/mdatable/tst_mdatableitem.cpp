@@ -22,12 +22,11 @@ private Q_SLOTS:
     void numbersAreAlignedRightAndTheRestLeft()
     {
         QLocale::setDefault(QLocale(QLocale::German)); // plays no part
-        const auto alignment = [](const char *text) {
-            return MDATableItem(nullptr, QString::fromLatin1(text)).alignment();
+        const auto isRight = [](const QString &text) {
+            return bool(MDATableItem(nullptr, text).alignment() & Qt::AlignRight);
         };
-        QCOMPARE(alignment("-3.5"), int(Qt::AlignRight | Qt::AlignVCenter));
-        for (const char *text : {"", "12 apples", "1,000", "3,5"})
-            QCOMPARE(alignment(text), int(Qt::AlignLeft | Qt::AlignVCenter));
+        QVERIFY(isRight("-3.5"_s) && !isRight(QString()) && !isRight("12 apples"_s));
+        QVERIFY(!isRight("3,5"_s));
         QLocale::setDefault(QLocale::c());
     }
 
@@ -67,39 +66,37 @@ private Q_SLOTS:
     // The cell is filled, and the text keeps a margin of two pixels; nothing around is touched.
     void paintingLooksAsIfDoneByTheToolkit()
     {
-        QFont italic("DejaVu Serif"_s, 48, -1, true); // leans out of the margin
+        const QFont italic("DejaVu Serif"_s, 48, -1, true); // leans out of the margin
         QPalette textured;
         textured.setBrush(QPalette::Base, QBrush(Qt::lightGray, Qt::DiagCrossPattern));
         textured.setColor(QPalette::Highlight, QColor(0, 0, 200, 90));
-        for (const QString &text : {"-12.5e3"_s, "nan"_s, "wide text 1000"_s}) {
-            for (int way = 0; way < 64; ++way) {
-                const QPalette palette = way & 1 ? textured : QPalette();
-                const bool selected = way & 2;
-                const QRect cell(0, 0, 61, way & 4 ? 10 : 40);
-                const qreal ratio = way & 8 ? 1.5 : 1;
-                QImage images[2];
-                for (QImage &image : images) {
-                    image = QImage(QSize(80, 60) * ratio, QImage::Format_RGB32);
-                    image.setDevicePixelRatio(ratio);
-                    image.fill(Qt::green);
-                    QPainter painter(&image);
-                    painter.setLayoutDirection(way & 16 ? Qt::RightToLeft : Qt::LeftToRight);
-                    painter.setFont(way & 32 ? italic : QFont());
-                    painter.translate(10, 10);
-                    painter.setClipRect(cell);
-                    MDATableItem item(nullptr, text);
-                    if (&image == &images[0]) {
-                        item.paint(&painter, palette, cell.translated(5, 7), selected);
-                        continue;
-                    }
-                    painter.fillRect(
-                        cell, palette.brush(selected ? QPalette::Highlight : QPalette::Base));
-                    painter.setPen(
-                        palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
-                    painter.drawText(cell.adjusted(2, 0, -2, 0), item.alignment(), text);
+        for (int way = 0; way < 96; ++way) {
+            const QPalette palette = way & 1 ? textured : QPalette();
+            const bool selected = way & 2;
+            const QRect cell(0, 0, 61, way & 4 ? 10 : 40);
+            const qreal ratio = way & 8 ? 1.5 : 1;
+            MDATableItem item(nullptr, way < 48 ? "-12.5e3"_s : "wide text 1000"_s);
+            QImage images[2];
+            for (QImage &image : images) {
+                image = QImage(QSize(80, 60) * ratio, QImage::Format_RGB32);
+                image.setDevicePixelRatio(ratio);
+                image.fill(Qt::green);
+                QPainter painter(&image);
+                painter.setFont(way % 3 == 0 ? italic : QFont());
+                painter.setPen(QPen(QBrush(Qt::black, Qt::Dense5Pattern), 1)); // is not kept
+                painter.translate(10, 10);
+                painter.setClipRect(cell);
+                if (&image == &images[0]) {
+                    item.paint(&painter, palette, cell.translated(5, 7), selected);
+                    continue;
                 }
-                QVERIFY2(images[0] == images[1], qPrintable("%1 %2"_s.arg(text).arg(way)));
+                painter.fillRect(cell,
+                                 palette.brush(selected ? QPalette::Highlight : QPalette::Base));
+                painter.setPen(
+                    palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
+                painter.drawText(cell.adjusted(2, 0, -2, 0), item.alignment(), item.text());
             }
+            QVERIFY2(images[0] == images[1], qPrintable(QString::number(way)));
         }
     }
 
