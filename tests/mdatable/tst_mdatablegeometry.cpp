@@ -243,17 +243,6 @@ private Q_SLOTS:
         RecordingTable::settle();
         QCOMPARE(small.paintEvents, Rects{small.viewport()->rect()});
     }
-
-    void largeTablesAskForSomeContentsOnly()
-    {
-        RecordingTable table(10, 12);
-        table.setTopHeaderLines(1);
-        const int top = table.topHeader()->fixedExtent();
-        table.setRowHeight(49);
-        QCOMPARE(table.sizeHint().height(), 490 + top + 5);
-        table.setRowHeight(50);
-        QCOMPARE(table.sizeHint().height(), QScrollArea().sizeHint().height() + top);
-    }
 };
 
 QTEST_MAIN(TestMDATableGeometry)

@@ -498,19 +498,12 @@ private Q_SLOTS:
         table.setNumRows(trillion);
         table.setNumCols(trillion);
         QVERIFY(table.showSettled());
-        const QSize view = table.viewport()->size();
-        QScrollBar *bar = table.verticalScrollBar();
-        bar->setValue(bar->maximum());
-        RecordingTable::settle();
-        const long long bottom = table.rowAt(view.height() - 1);
+        table.verticalScrollBar()->setValue(table.verticalScrollBar()->maximum());
+        const int height = table.viewport()->height();
+        const long long bottom = table.rowAt(height - 1);
         const QString script
             = "press %1,1|release %1,1|Shift-press %2,2|release %2,2|copy > %1:1,%1:2/%2:1,%2:2"_s;
         playAll(&table, script.arg(bottom - 3).arg(bottom - 2));
-        play(&table, "press %1,1"_s.arg(bottom - 5));
-        play(&table, "drag @%1,-5"_s.arg(view.width() + 5));
-        QTRY_VERIFY(table.currentRow() < bottom - 8 && table.horizontalScrollBar()->value() > 0);
-        playAll(&table, "release @5,5"_s);
-        QCOMPARE(table.getCurrentSelection().bottomRow(), bottom - 5);
         table.hideRows(6, 5 + billion);
         table.hideColumns(6, 5 + billion);
         // Row and column 6 + billion come next.
@@ -520,8 +513,7 @@ private Q_SLOTS:
                 "|Return > 1000000006,5 (1000000006,5)*|End"
                 "|Return > 0,1000000006 (0,1000000006)*|add 1,-1,1,0|copy > ,1:0"_s);
         table.hideRows(10, trillion);
-        table.horizontalScrollBar()->setValue(0);
-        play(&table, "press @10,%1"_s.arg(view.height() - 1)); // below all rows
+        play(&table, "press @10,%1"_s.arg(height - 1)); // below all rows
         QCOMPARE(table.currentRow(), 5LL);
         table.selectCells(0, 0, trillion, trillion);
         RecordingTable::settle();

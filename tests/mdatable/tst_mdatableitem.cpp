@@ -54,12 +54,11 @@ private Q_SLOTS:
         RecordingTable table(2, 2);
         table.fill();
         QVERIFY(table.showSettled());
-        table.item(1, 1)->setEnabled(true);
-        RecordingTable::settle();
-        QVERIFY(table.paintEvents.isEmpty());
-        table.item(1, 1)->setEnabled(false);
-        RecordingTable::settle();
-        QCOMPARE(table.paintEvents.value(0), table.cellGeometry(1, 1).adjusted(-2, -2, 2, 2));
+        for (const bool enabled : {true, false}) { // it is enabled
+            table.item(1, 1)->setEnabled(enabled);
+            RecordingTable::settle();
+            QCOMPARE(table.paintEvents.isEmpty(), enabled);
+        }
         MDATableItem(nullptr).setEnabled(false); // in no table
     }
 
