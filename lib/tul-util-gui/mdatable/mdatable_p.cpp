@@ -72,7 +72,7 @@ void MDATablePrivate::construct(long long numRows, long long numCols, const char
         QObject::connect(axis->bar, &QScrollBar::valueChanged, axis->header,
                          &MDATableHeader::setOffset);
         QObject::connect(axis->bar, &QScrollBar::valueChanged, q->viewport(),
-                         QOverload<>::of(&QWidget::update));
+                         [this] { layout.scrollCells(); });
     }
     QObject::connect(columns.header, &MDATableHeader::sectionSizeChanged, q,
                      &MDATable::columnWidthChanged);

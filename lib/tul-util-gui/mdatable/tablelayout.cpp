@@ -11,6 +11,7 @@
 #include <QStyle>
 
 #include <algorithm>
+#include <cstdlib>
 #include <limits>
 
 namespace
@@ -64,7 +65,7 @@ void TableLayout::setTopMargin(int margin)
     applyMargins();
 }
 
-void TableLayout::applyMargins() const
+void TableLayout::applyMargins()
 {
     if (q->isRightToLeft())
         q->setViewportMargins(0, m_topMargin, m_leftMargin, 0);
@@ -92,7 +93,7 @@ void TableLayout::updateScrollBars()
     d->rows.bar->setPageStep(tul::clampToInt(10LL * q->rowHeight()));
 }
 
-void TableLayout::updateHeaders() const
+void TableLayout::updateHeaders()
 {
     if (updatingHeaders)
         return;
@@ -116,6 +117,8 @@ void TableLayout::updateHeaders() const
         axis->bar->setValue(axis->header->offset()); // a resized header may have gone to its start
         axis->bar->raise();
     }
+    if (m_cellOffset != QPoint(d->columns.header->offset(), d->rows.header->offset()))
+        scrollCells();
 }
 
 void TableLayout::queueUpdate() const
@@ -151,6 +154,21 @@ void TableLayout::announceBarRanges()
         if (table)
             Q_EMIT bar->rangeChanged(bar->minimum(), bar->maximum());
     }
+}
+
+void TableLayout::scrollCells()
+{
+    const QPoint offset(d->columns.header->offset(), d->rows.header->offset());
+    const QPoint moved = m_cellOffset - offset;
+    m_cellOffset = offset;
+    QWidget *viewport = q->viewport();
+    const bool staysInView
+        = std::abs(moved.x()) < viewport->width() && std::abs(moved.y()) < viewport->height();
+    // Widgets on the viewport stay where they are: only painting goes round them.
+    if (staysInView && viewport->children().isEmpty())
+        viewport->scroll(moved.x(), moved.y());
+    else
+        viewport->update();
 }
 
 void TableLayout::ensureCellVisible(long long row, long long col)

@@ -25,14 +25,18 @@ public:
     void setLeftMargin(int margin);
     void setTopMargin(int margin);
     /// Gives the viewport its margins, the left header's on the side of the layout direction.
-    void applyMargins() const;
+    void applyMargins();
 
     void updateScrollBars();
     /// Pulls back a view that is scrolled beyond the contents and places the headers.
-    void updateHeaders() const;
+    void updateHeaders();
     /// Lays out the headers from the event loop, once for many calls.
     void queueUpdate() const;
     void announceBarRanges();
+
+    /// Moves what is painted to where the headers have scrolled; what comes into view is painted
+    /// from the event loop.
+    void scrollCells();
 
     void ensureCellVisible(long long row, long long col);
     /// To be called when the table is shown, after its layout.
@@ -48,6 +52,7 @@ private:
     int m_topMargin = 0;
     QTimer *m_timer; // single shot, lays out the headers
     bool m_barRangesPending = false; // maxima were changed without their signal
+    QPoint m_cellOffset; // of the headers, when cells were scrolled last
     bool m_wasShown = false;
     QPoint m_scrolledTo; // where the current cell was in view before the first show
 };
