@@ -8,6 +8,7 @@
 #include <QTest>
 
 #include <limits>
+#include <tuple>
 
 const int highest = std::numeric_limits<int>::max();
 const long long trillion = 1000000000000LL;
@@ -191,16 +192,18 @@ private Q_SLOTS:
 
     void cellMadeCurrentBeforeTheFirstShowIsInViewThen()
     {
-        for (const int scrolled : {0, 70}) {
+        // Row, where the host scrolls to afterwards, whether the row is in view, and where then.
+        for (const auto &[row, scrolled, inView, value] :
+             {std::tuple{5000, -1, true, 100020}, {2, -1, true, 0}, {5000, 70, false, 70}}) {
             QWidget window;
-            RecordingTable table(100000, 10, &window);
-            table.setCurrentCell(5000, 0);
-            if (scrolled != 0)
-                table.verticalScrollBar()->setValue(scrolled); // the host's own choice stays
-            table.resize(200, 90);
+            RecordingTable table(100000, 3, &window);
+            table.setCurrentCell(row, 0);
+            if (scrolled != -1)
+                table.verticalScrollBar()->setValue(scrolled);
+            table.setGeometry(0, 0, 200, 200 + 2 * table.frameWidth());
             window.show();
-            QCOMPARE(table.verticalScrollBar()->value() == scrolled, scrolled != 0);
-            QCOMPARE(table.viewport()->rect().contains(table.cellGeometry(5000, 0)), scrolled == 0);
+            QCOMPARE(table.viewport()->rect().contains(table.cellGeometry(row, 0)), inView);
+            QCOMPARE(table.verticalScrollBar()->value(), value - (row > 10 && inView ? 200 : 0));
         }
     }
 

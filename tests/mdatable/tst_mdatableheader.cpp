@@ -252,34 +252,6 @@ private Q_SLOTS:
         }
     }
 
-    void leftButtonPressesReleasesAndClicksSections()
-    {
-        for (const bool horizontal : {false, true}) {
-            const Fixture fixture(horizontal, 10, {{0, 4}, {0, 1}});
-            QStringList log;
-            const auto logAs = [&log](const char *name) {
-                return
-                    [&log, name](long long s) { log += QLatin1String(name) + QString::number(s); };
-            };
-            connect(fixture.header, &MDATableHeader::pressed, logAs("press "));
-            connect(fixture.header, &MDATableHeader::released, logAs("release "));
-            connect(fixture.header, &MDATableHeader::clicked, logAs("click "));
-            // From a section to another; the third is released beside the header.
-            for (const QRect &drag :
-                 {QRect(2, 1, 2, 30), QRect(4, 1, 3, 1), QRect(5, 1, 5, -5), QRect(12, 1, 7, 1)}) {
-                const QRect start(drag.x() * 20 + 1, 1, 0, 0);
-                const QRect end(drag.width() * 20 + 1, drag.height(), 0, 0);
-                const QPoint from = fixture.turned(start).topLeft();
-                QTest::mouseClick(fixture.header, Qt::RightButton, {}, from);
-                QTest::mousePress(fixture.header, Qt::LeftButton, {}, from);
-                QTest::mouseRelease(fixture.header, Qt::LeftButton, {},
-                                    fixture.turned(end).topLeft());
-            }
-            QCOMPARE(log.join(QLatin1Char(' ')),
-                     "press 2 release 2 click 2 press 4 release 3 press 5 release 7"_s);
-        }
-    }
-
     void wheelScrollsTheTable()
     {
         const Fixture fixture(false, 1000, {{0, 9}});

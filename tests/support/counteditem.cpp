@@ -13,10 +13,3 @@ CountedItem::~CountedItem()
     if (whenDeleted)
         whenDeleted();
 }
-
-void CountedItem::paint(QPainter *painter, const QPalette &palette, const QRect &rect,
-                        bool selected)
-{
-    s_paintings.append(rect);
-    MDATableItem::paint(painter, palette, rect, selected);
-}

@@ -173,18 +173,27 @@ void TableLayout::scrollCells()
 
 void TableLayout::ensureCellVisible(long long row, long long col)
 {
+    const QPoint before = scrolledTo();
     d->rows.ensureVisible(row, q->viewport()->height());
     d->columns.ensureVisible(col, q->viewport()->width());
-    if (!m_wasShown)
-        m_scrolledTo = scrolledTo();
+    if (m_wasShown)
+        return;
+    if (before != m_scrolledTo)
+        m_scrolledFrom = before;
+    m_scrolledTo = scrolledTo();
 }
 
 /// The size of the viewport is known only now: brings the cell that was made current before into
-/// view, unless the host has scrolled away from it.
+/// view again, unless the host has scrolled away from it.
 void TableLayout::tableShown()
 {
-    if (!m_wasShown && m_scrolledTo == scrolledTo())
+    if (m_wasShown)
+        return;
+    if (m_scrolledTo == scrolledTo()) {
+        d->columns.bar->setValue(m_scrolledFrom.x());
+        d->rows.bar->setValue(m_scrolledFrom.y());
         ensureCellVisible(d->rows.current, d->columns.current);
+    }
     m_wasShown = true;
 }
 

@@ -54,5 +54,6 @@ private:
     bool m_barRangesPending = false; // maxima were changed without their signal
     QPoint m_cellOffset; // of the headers, when cells were scrolled last
     bool m_wasShown = false;
-    QPoint m_scrolledTo; // where the current cell was in view before the first show
+    QPoint m_scrolledFrom; // to bring the current cell into view before the first show
+    QPoint m_scrolledTo;
 };
