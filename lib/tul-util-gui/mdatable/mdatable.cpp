@@ -22,7 +22,6 @@
 namespace
 {
 
-const int largestFittingHint = 500; // pixels up to which the size hint shows the whole table
 const int defaultColumnWidth = 20; // pixels; also the least
 
 // Process-wide: a call for one table from within a call for another is dropped too.
@@ -100,46 +99,17 @@ MDATableItem *MDATable::item(long long row, long long col) const
 
 void MDATable::setItem(long long row, long long col, MDATableItem *item)
 {
-    if (!item || !isSectionValid(row, col))
-        return;
-    d->sizeStore();
-    const long long columns = numCols();
-    if (d->store.find(row, col, numRows(), columns) != item) {
-        if (item->table() == this)
-            updateCell(item->row(), item->col());
-        d->store.releaseItem(item, columns);
-        clearCell(row, col);
-        d->store.put(row, col, columns, item);
-    }
-    item->setRow(row);
-    item->setCol(col);
-    item->m_table = this;
-    updateCell(row, col);
-    d->raiseItemWidth(item->sizeHint().width());
+    d->setItem(row, col, item);
 }
 
 void MDATable::takeItem(MDATableItem *item)
 {
-    if (!item)
-        return;
-    const QRect area = cellGeometry(item->row(), item->col());
-    d->store.removeItem(item, numCols());
-    viewport()->repaint(area);
-    item->setRow(-1);
-    item->setCol(-1);
-    item->m_table = nullptr;
+    d->takeItem(item);
 }
 
 void MDATable::clearCell(long long row, long long col)
 {
-    if (!isSectionValid(row, col))
-        return;
-    d->sizeStore();
-    const QRect area = cellGeometry(row, col);
-    if (d->store.find(row, col, numRows(), numCols()))
-        delete d->store.release(row, col, numCols());
-    if (area.intersects(viewport()->rect()))
-        viewport()->repaint(area);
+    d->clearCell(row, col);
 }
 
 QString MDATable::text(long long row, long long col) const
@@ -168,44 +138,17 @@ bool MDATable::isSparse() const
 
 void MDATable::setSparse(bool sparse)
 {
-    if (sparse == d->store.isSparse())
-        return;
-    d->store.setSparse(sparse);
-    if (!sparse) {
-        d->sizeStore();
-        d->store.moveSparseToDense(numCols());
-    }
-    viewport()->update();
+    d->setSparse(sparse);
 }
 
 void MDATable::clear()
 {
-    const QPointer<MDATable> self(this);
-    d->store.setSparse(false);
-    clearSelection(false);
-    if (!self)
-        return;
-    d->rows.header->reset();
-    d->columns.header->reset();
-    d->store.clear();
-    resizeData(0);
-    d->validRegion = QRegion();
-    d->maxItemWidth = 0;
-    d->finishDimensionChange();
-    d->rows.current = -1;
-    d->columns.current = -1;
+    d->clear();
 }
 
 void MDATable::clearData()
 {
-    const QPointer<MDATable> self(this);
-    clearSelection(false);
-    if (!self)
-        return;
-    d->store.clear();
-    d->maxItemWidth = 0;
-    d->validRegion = QRegion();
-    viewport()->update();
+    d->clearData();
 }
 
 void MDATable::addValidRegion(const QRegion &region)
@@ -463,16 +406,7 @@ void MDATable::adjustColumnWidth()
 QSize MDATable::sizeHint() const
 {
     ensurePolished();
-    const QSize table = tableSize();
-    const QSize headers = d->layout.headerRoom();
-    if (table.width() < largestFittingHint && table.height() < largestFittingHint)
-        return table + headers + QSize(5, 5);
-    QSize size = QScrollArea::sizeHint();
-    if (!d->columns.header->isHidden())
-        size.rheight() += headers.height();
-    if (!d->rows.header->isHidden())
-        size.rwidth() += headers.width();
-    return size;
+    return d->layout.sizeHint(QScrollArea::sizeHint());
 }
 
 long long MDATable::currentRow() const
@@ -744,16 +678,9 @@ void MDATable::focusOutEvent(QFocusEvent *event)
 
 bool MDATable::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched != this || event->type() != QEvent::KeyPress)
-        return QScrollArea::eventFilter(watched, event);
-    auto *key = static_cast<QKeyEvent *>(event);
-    if (key->key() != Qt::Key_Tab && key->key() != Qt::Key_Backtab)
-        return false;
-    // Otherwise the focus chain takes Tab before the table sees it. With Ctrl it has it.
-    const bool isBack = key->key() == Qt::Key_Backtab || key->modifiers() & Qt::ShiftModifier;
-    if (!(key->modifiers() & Qt::ControlModifier) || !focusNextPrevChild(!isBack))
-        keyPressEvent(key);
-    return true;
+    if (watched == this && event->type() == QEvent::KeyPress)
+        return d->interaction.filterKey(static_cast<QKeyEvent *>(event));
+    return QScrollArea::eventFilter(watched, event);
 }
 
 QVariant MDATable::inputMethodQuery(Qt::InputMethodQuery query) const

@@ -1,6 +1,7 @@
 #include <tul-util-gui/mdatable/mdatable_p.h>
 
 #include <tul-util-gui/mdatable/mdatableheader_p.h>
+#include <tul-util-gui/mdatable/mdatableitem.h>
 #include <tul-util-gui/mdatable/saturated_p.h>
 
 #include <QApplication>
@@ -91,6 +92,92 @@ void MDATablePrivate::construct(long long numRows, long long numCols, const char
     q->resize(640, 480);
     // So that hosts can scroll before they show the table.
     q->updateScrollBars();
+}
+
+void MDATablePrivate::setItem(long long row, long long col, MDATableItem *item)
+{
+    if (!item || !q->isSectionValid(row, col))
+        return;
+    sizeStore();
+    const long long width = q->numCols();
+    if (store.find(row, col, q->numRows(), width) != item) {
+        if (item->table() == q)
+            q->updateCell(item->row(), item->col());
+        store.releaseItem(item, width);
+        q->clearCell(row, col);
+        store.put(row, col, width, item);
+    }
+    item->setRow(row);
+    item->setCol(col);
+    item->m_table = q;
+    q->updateCell(row, col);
+    raiseItemWidth(item->sizeHint().width());
+}
+
+void MDATablePrivate::takeItem(MDATableItem *item)
+{
+    if (!item)
+        return;
+    const QRect area = q->cellGeometry(item->row(), item->col());
+    store.removeItem(item, q->numCols());
+    q->viewport()->repaint(area);
+    item->setRow(-1);
+    item->setCol(-1);
+    item->m_table = nullptr;
+}
+
+void MDATablePrivate::clearCell(long long row, long long col)
+{
+    if (!q->isSectionValid(row, col))
+        return;
+    sizeStore();
+    const QRect area = q->cellGeometry(row, col);
+    if (store.find(row, col, q->numRows(), q->numCols()))
+        delete store.release(row, col, q->numCols());
+    if (area.intersects(q->viewport()->rect()))
+        q->viewport()->repaint(area);
+}
+
+void MDATablePrivate::setSparse(bool sparse)
+{
+    if (sparse == store.isSparse())
+        return;
+    store.setSparse(sparse);
+    if (!sparse) {
+        sizeStore();
+        store.moveSparseToDense(q->numCols());
+    }
+    q->viewport()->update();
+}
+
+void MDATablePrivate::clear()
+{
+    const QPointer<MDATable> table(q);
+    store.setSparse(false);
+    q->clearSelection(false);
+    if (!table)
+        return;
+    rows.header->reset();
+    columns.header->reset();
+    store.clear();
+    q->resizeData(0);
+    validRegion = QRegion();
+    maxItemWidth = 0;
+    finishDimensionChange();
+    rows.current = -1;
+    columns.current = -1;
+}
+
+void MDATablePrivate::clearData()
+{
+    const QPointer<MDATable> table(q);
+    q->clearSelection(false);
+    if (!table)
+        return;
+    store.clear();
+    maxItemWidth = 0;
+    validRegion = QRegion();
+    q->viewport()->update();
 }
 
 void MDATablePrivate::sizeStore() const

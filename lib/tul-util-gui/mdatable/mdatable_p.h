@@ -28,6 +28,14 @@ public:
 
     bool hasCurrentCell() const { return rows.current != -1 && columns.current != -1; }
 
+    // What the functions of the table of the same names do.
+    void setItem(long long row, long long col, MDATableItem *item);
+    void takeItem(MDATableItem *item);
+    void clearCell(long long row, long long col);
+    void setSparse(bool sparse);
+    void clear();
+    void clearData();
+
     /// Gives the dense store one slot a cell; nothing in a sparse table.
     void sizeStore() const;
 

@@ -80,7 +80,7 @@ public:
 
 private:
     friend class CellStore; // marks the items that it holds
-    friend class MDATable; // sets the table of an item that it places or releases
+    friend class MDATablePrivate; // sets the table of an item that is placed or released
 
     QString m_text;
     MDATable *m_table;

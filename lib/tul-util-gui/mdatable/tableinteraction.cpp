@@ -59,6 +59,17 @@ void TableInteraction::setCurrentCell(long long row, long long col, bool updateS
         startSelection({d->rows.current, d->columns.current});
 }
 
+bool TableInteraction::filterKey(QKeyEvent *event)
+{
+    const bool isBacktab = event->key() == Qt::Key_Backtab;
+    if (event->key() != Qt::Key_Tab && !isBacktab)
+        return false;
+    const bool isBack = isBacktab || event->modifiers() & Qt::ShiftModifier;
+    if (!(event->modifiers() & Qt::ControlModifier) || !q->focusNextPrevChild(!isBack))
+        q->keyPressEvent(event);
+    return true;
+}
+
 void TableInteraction::keyPress(QKeyEvent *event)
 {
     const bool shift = event->modifiers() & Qt::ShiftModifier;

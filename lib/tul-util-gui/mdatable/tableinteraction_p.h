@@ -21,6 +21,8 @@ public:
 
     void setCurrentCell(long long row, long long col, bool updateSelections, bool ensureVisible);
 
+    /// Whether a key was handled before the focus chain can take it.
+    bool filterKey(QKeyEvent *event);
     void keyPress(QKeyEvent *event);
     void activateNextCell();
 

@@ -17,6 +17,8 @@
 namespace
 {
 
+const int largestFittingHint = 500; // pixels up to which the size hint shows the whole table
+
 // Process-wide: a call for one table from within a call for another is dropped too.
 bool updatingHeaders = false;
 
@@ -72,6 +74,16 @@ void TableLayout::applyMargins()
     else
         q->setViewportMargins(m_leftMargin, m_topMargin, 0, 0);
     q->updateGeometries();
+}
+
+QSize TableLayout::sizeHint(const QSize &usual) const
+{
+    const QSize table = q->tableSize();
+    if (table.width() < largestFittingHint && table.height() < largestFittingHint)
+        return table + QSize(m_leftMargin + 5, m_topMargin + 5);
+    return usual
+        + QSize(d->rows.header->isHidden() ? 0 : m_leftMargin,
+                d->columns.header->isHidden() ? 0 : m_topMargin);
 }
 
 void TableLayout::updateScrollBars()

@@ -20,12 +20,13 @@ public:
     /// What is seen of a range of cells, both ends inclusive; empty when nothing is.
     QRect visibleGeometry(long long top, long long left, long long bottom, long long right) const;
 
-    /// What the headers take beside and above the viewport.
-    QSize headerRoom() const { return {m_leftMargin, m_topMargin}; }
     void setLeftMargin(int margin);
     void setTopMargin(int margin);
     /// Gives the viewport its margins, the left header's on the side of the layout direction.
     void applyMargins();
+
+    /// The table's size hint; `usual` is that of any scroll area.
+    QSize sizeHint(const QSize &usual) const;
 
     void updateScrollBars();
     /// Pulls back a view that is scrolled beyond the contents and places the headers.
