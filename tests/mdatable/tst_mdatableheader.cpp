@@ -240,6 +240,8 @@ private Q_SLOTS:
                                          : fixture.table.verticalScrollBar();
             for (const int value : {7, 33, 20, 500, 0}) {
                 fixture.table.clearRecords();
+                const int changed = value / size + 1; // and is queued for painting
+                fixture.table.setText(horizontal ? 0 : changed, horizontal ? changed : 0, "new"_s);
                 bar->setValue(value);
                 QCOMPARE(fixture.header->offset(), value);
                 RecordingTable::settle();

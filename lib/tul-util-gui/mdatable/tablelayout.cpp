@@ -176,9 +176,11 @@ void TableLayout::scrollCells()
     QWidget *viewport = q->viewport();
     const bool staysInView
         = std::abs(moved.x()) < viewport->width() && std::abs(moved.y()) < viewport->height();
-    // Widgets on the viewport stay where they are: only painting goes round them.
+    // Widgets on the viewport stay where they are, which only painting goes round, and so does what
+    // a host paints outside of the cells.
     if (staysInView && viewport->children().isEmpty())
-        viewport->scroll(moved.x(), moved.y());
+        viewport->scroll(moved.x(), moved.y(),
+                         QRect(QPoint(0, 0), q->tableSize().boundedTo(viewport->size())));
     else
         viewport->update();
 }
