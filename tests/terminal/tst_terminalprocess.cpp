@@ -88,6 +88,7 @@ void TestTerminalProcess::everyStartIsAnnouncedEvenIfItFails()
              QByteArray("<sh -c  \"exit 3\">exit3"));
     process.setArguments({"-c"_s, "echo x"_s});
     QCOMPARE(announced([&] { process.start(); }), QByteArray("<sh  -c \"echo x\">x\nexit0"));
+    QCOMPARE(announced([&] { process.open(); }), QByteArray("<sh  -c \"echo x\">x\nexit0"));
     QCOMPARE(session.run("echo go; read x; echo $x >&2; kill -9 $$", {{"go", "typed\n"}}),
              QByteArray("go\ntyped\ncrash9"));
 }
@@ -176,7 +177,10 @@ void TestTerminalProcess::programsInAPseudoTerminalFindATerminal()
         {"test -t 0 -a -t 1 -a -t 2 && stty size", {}, "12 80\nexit0"},
         {"tty | sed s/[0-9]*$//", {}, "/dev/pts/\nexit0"},
         {"exec cat", {{"", "one\n"}, {"one\r\none", "\3"}}, "one\none\n^Ccrash2"},
-        {"ls -l /proc/$$/fd | grep -c ptmx", {}, "0\nexit1"},
+        {"stty noflsh; echo go; exec sleep 20",
+         {{"go", "unread\n"}, {"unread\r\n", "\3"}},
+         "go\nunread\n^Ccrash2"},
+        {"ls -l /proc/self/fd | grep -c ptmx", {}, "0\nexit1"},
         {"read x; echo $x", {{"", "ab\x7f"}, {"\x1b[K", "c\n"}}, "ab\b\x1b[Kc\nac\nexit0"},
         {"stty raw -echo; echo go; head -c 200000 | tr -d x | wc -c",
          {{"go", QByteArray(199999, 'x') + "y"}},
@@ -184,11 +188,13 @@ void TestTerminalProcess::programsInAPseudoTerminalFindATerminal()
         {"stty raw -echo; printf '\\b'; sleep .1; printf ' '; sleep .1; printf '\\b \\b \\b x'",
          {},
          "\b\x1b[K\x1b[K\x1b[K xexit0"}, // however the reads are cut
+        {"printf 'ab\\b '", {}, "ab\b exit0"},
         {"seq 20000", {}, numbers + "exit0"},
     };
     for (const Case &row : rows) {
         for (int round = 0; round < 2; ++round) // the next program finds it as the first one did
             QCOMPARE(session.run(row.script, row.steps), row.result);
+        QCOMPARE(session.terminal->write("late\n"), qint64(0)); // which is not for the next one
     }
     connect(session.terminal.get(), &QIODevice::readyRead, this, [&] {
         if (session.log.contains("ready"))

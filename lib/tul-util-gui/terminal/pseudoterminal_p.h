@@ -33,6 +33,9 @@ public:
     /// Watches the master again, for the next process.
     void resume();
 
+    /// Forgets what has been written and not been read, which was for the process that has ended.
+    void forgetInput();
+
     /// Emits what a process that has ended left behind; not more than once round the system's
     /// buffers, should another process still be printing.
     void drain();

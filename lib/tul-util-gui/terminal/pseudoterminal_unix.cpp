@@ -11,6 +11,7 @@
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace
@@ -114,6 +115,20 @@ void PseudoTerminal::writeSome()
     m_writeNotifier->setEnabled(false);
 }
 
+void PseudoTerminal::forgetInput()
+{
+    m_unsent.clear();
+    m_sent = 0;
+    m_writeNotifier->setEnabled(false);
+    // What is sent already waits on the other side, and is flushed only there.
+    const int child = retried(
+        [this] { return ::open(m_childName.constData(), O_RDWR | O_NOCTTY | O_CLOEXEC); });
+    if (child == -1)
+        return;
+    ::tcflush(child, TCIFLUSH);
+    ::close(child);
+}
+
 void PseudoTerminal::setSize(int columns, int rows)
 {
     winsize size = {};
@@ -142,6 +157,13 @@ void PseudoTerminal::drain()
         if (!self)
             return;
     }
+    if (last == Reading::More)
+        return;
+    // No backspace follows that would make an erasure of a blank.
+    const bool hasBlank = m_echo == Echo::Blank;
+    m_echo = Echo::None;
+    if (hasBlank)
+        Q_EMIT arrived(QByteArrayLiteral(" "));
 }
 
 /// By whoever hears of the bytes, the object may have been deleted afterwards: not when HungUp.

@@ -24,6 +24,8 @@ void PseudoTerminal::setSize(int, int) { }
 
 void PseudoTerminal::resume() { }
 
+void PseudoTerminal::forgetInput() { }
+
 void PseudoTerminal::drain() { }
 
 void PseudoTerminal::attachChild() const { }

@@ -93,8 +93,12 @@ qint64 Terminal::writeData(const char *data, qint64 maxSize)
 {
     if (!m_process)
         return 0;
-    return m_pseudoTerminal ? m_pseudoTerminal->write(data, maxSize)
-                            : m_process->write(data, maxSize);
+    if (!m_pseudoTerminal)
+        return m_process->write(data, maxSize);
+    // The system would keep it for the next program.
+    if (m_process->state() == QProcess::NotRunning)
+        return 0;
+    return m_pseudoTerminal->write(data, maxSize);
 }
 
 void Terminal::setProcess(QProcess *process)

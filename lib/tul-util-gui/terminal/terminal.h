@@ -27,7 +27,9 @@ class PseudoTerminal;
 ///     process->start(program, arguments);
 ///
 /// A Unix host that wants programs to find a real terminal asks for a pseudo-terminal before
-/// openMaster(). The output then arrives by itself, and pushBytes() is not needed.
+/// openMaster(). The output then arrives by itself, from the event loop, and pushBytes() is not
+/// needed. A program that prints more than the system's buffer holds, some kilobytes, waits for
+/// that loop: QProcess::waitForFinished(), which does without it, then only ends by its timeout.
 ///
 /// *Units*: window sizes are in character cells.
 ///
@@ -38,8 +40,10 @@ class PseudoTerminal;
 /// *Threads*: GUI thread only. pushBytes() is a slot, so that a producer in another thread reaches
 /// it by a queued connection.
 ///
-/// *Errors*: none are reported. Without a process nothing can be written, and write() answers 0; a
-/// process that does not run answers for itself, with 0 or -1. A closed device yields nothing.
+/// *Errors*: only openMaster() reports any. Without a process nothing can be written, and write()
+/// answers 0. A process that does not run answers for itself, with 0 or -1; in a pseudo-terminal
+/// the answer is 0, and what the program has not read when it ends is lost. A closed device
+/// yields nothing.
 class TUL_UTIL_GUI_EXPORT Terminal : public QIODevice
 {
     Q_OBJECT

@@ -20,6 +20,7 @@ TerminalProcess::~TerminalProcess()
     // The base destructor kills a process that runs and emits finished() of what is no longer one
     // of these.
     disconnect(this, nullptr, this, nullptr);
+    forgetInput();
     // By design: whichever process is attached, so that nothing is ever written to one that goes.
     if (m_terminal)
         m_terminal->setProcess(nullptr);
@@ -35,6 +36,13 @@ void TerminalProcess::start(const QString &program, const QStringList &arguments
 void TerminalProcess::start(QIODevice::OpenMode mode)
 {
     start(program(), arguments(), mode);
+}
+
+bool TerminalProcess::open(OpenMode mode)
+{
+    const QPointer<TerminalProcess> self(this);
+    start(mode);
+    return self && isOpen();
 }
 
 void TerminalProcess::start(const QString &command, QIODevice::OpenMode mode)
@@ -57,8 +65,10 @@ void TerminalProcess::startScript(const QString &script, QIODevice::OpenMode mod
     const QPointer<TerminalProcess> self(this);
     tul::setNativeArguments(this, command);
     startCommand(command, mode);
+    // By design: not those that the host had set. They were replaced, and the next start, of some
+    // other program, must not get those of this one.
     if (self)
-        tul::setNativeArguments(this, {}); // the next start is another one
+        tul::setNativeArguments(this, {});
 }
 
 void TerminalProcess::setupChildProcess()
@@ -76,8 +86,16 @@ void TerminalProcess::processFinished(int exitCode, QProcess::ExitStatus exitSta
         if (!self)
             return;
     }
+    forgetInput();
     if (m_terminal)
         m_terminal->emitProcessFinished(exitCode, exitStatus);
+}
+
+/// What has been written for this process and not been read is not for the next one.
+void TerminalProcess::forgetInput()
+{
+    if (m_terminal && m_terminal->m_pseudoTerminal && m_terminal->m_process == this)
+        m_terminal->m_pseudoTerminal->forgetInput();
 }
 
 /// False when this process was deleted by a slot.

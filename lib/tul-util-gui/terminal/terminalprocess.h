@@ -45,6 +45,9 @@ public:
                QIODevice::OpenMode mode = QIODevice::ReadWrite);
     void start(QIODevice::OpenMode mode = QIODevice::ReadWrite);
 
+    /// Does the same as the start without arguments, and tells whether the device is open.
+    bool open(OpenMode mode = ReadWrite) override;
+
     /// Announces the command as it stands and starts it, split at blanks outside of double quotes.
     void start(const QString &command, QIODevice::OpenMode mode = QIODevice::ReadWrite);
 
@@ -52,7 +55,8 @@ public:
     /// command line of a program or with a script in place of the dots.
     ///
     /// *By design*: on Windows the whole text is given twice, as the command to start and as its
-    /// native arguments, so that the interpreter sees the command line as it was written.
+    /// native arguments, so that the interpreter sees the command line as it was written. Native
+    /// arguments that the host has set are replaced, and there are none afterwards.
     void startScript(const QString &program, const QStringList &arguments,
                      QIODevice::OpenMode mode = QIODevice::ReadWrite);
     void startScript(const QString &script, QIODevice::OpenMode mode = QIODevice::ReadWrite);
@@ -64,6 +68,7 @@ private Q_SLOTS:
     void processFinished(int exitCode, QProcess::ExitStatus exitStatus);
 
 private:
+    void forgetInput();
     bool announce(const QString &commandLine);
     void startCommand(const QString &command, QIODevice::OpenMode mode);
     void processRuns();
