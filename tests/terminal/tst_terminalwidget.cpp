@@ -1,4 +1,5 @@
 #include <support/literal.h>
+#include <support/recordingstyle.h>
 #include <support/testcase.h>
 #include <tul-util-gui/terminal/goodfont.h>
 #include <tul-util-gui/terminal/terminal.h>
@@ -12,7 +13,6 @@
 #include <QContextMenuEvent>
 #include <QElapsedTimer>
 #include <QMenu>
-#include <QProxyStyle>
 #include <QRandomGenerator>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -34,6 +34,7 @@ class View : public TerminalWidget
 public:
     Terminal terminal;
     int paints = 0;
+    QRegion painted;
 
     explicit View(int columns = 80)
     {
@@ -49,25 +50,8 @@ public:
     void paintEvent(QPaintEvent *event) override
     {
         ++paints;
+        painted += event->region();
         TerminalWidget::paintEvent(event);
-    }
-};
-
-class GapStyle : public QProxyStyle
-{
-public:
-    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
-                  QStyleHintReturn *data) const override
-    {
-        return hint == SH_ScrollView_FrameOnlyAroundContents
-            || QProxyStyle::styleHint(hint, option, widget, data);
-    }
-    int pixelMetric(PixelMetric metric, const QStyleOption *option,
-                    const QWidget *widget) const override
-    {
-        return metric == PM_ScrollView_ScrollBarSpacing
-            ? 5
-            : QProxyStyle::pixelMetric(metric, option, widget);
     }
 };
 
@@ -172,6 +156,7 @@ class TestTerminalWidget : public TestCase
 private Q_SLOTS:
     void looksScrollsAndSelectsLikeATextEdit();
     void lineThatNeverEndsIsShownInColumns();
+    void erasingInAWideLineIsCountedAsWork();
     void messagesStandBetweenTheOutputs();
     void muchAtOnceIsShownBitByBitAndInOrder();
     void viewFollowsTheOutputOnlyAtTheBottom();
@@ -200,7 +185,7 @@ void TestTerminalWidget::looksScrollsAndSelectsLikeATextEdit()
              {1, "ab \n"},
              {-3, "ab \n"},
              {300, "abcdefghijklmno "},
-             {10, "fffffiiillll  \n", "DejaVu Sans"}, // with ligatures
+             {10, "fffffiiillllfffffiiillll  \b\bK\n", "DejaVu Sans"}, // with ligatures
              {10, "abcdefghijklmno  \n", "DejaVu Sans Mono",
               "h\u00e9 \t e\u0301e\u0301e\u0301e\u0301\u2028x \u00e4\u00f6\u00fc\u00df....."},
          }) {
@@ -245,20 +230,53 @@ void TestTerminalWidget::lineThatNeverEndsIsShownInColumns()
 {
     View view(10);
     view.show();
-    for (int i = 0; i < 30; ++i)
-        view.push(QByteArray(1000, char('a' + i % 26)));
+    QByteArray text;
+    for (int i = 0; i < 3000; ++i)
+        text += QByteArray::number(i).rightJustified(9, '0') + ' ';
+    view.push(text);
     const QScrollBar *const bar = view.verticalScrollBar();
     const int line = view.fontMetrics().lineSpacing();
     QVERIFY(qAbs(bar->maximum() + view.viewport()->height() - 3000 * line) < 2 * line);
     QCOMPARE(bar->value(), bar->maximum());
-    // The last line that is drawn and hit is the last of the text, and erasing stays within it.
+    // The last line that is drawn and hit is the last of the text.
     const QPoint corner = view.viewport()->rect().bottomRight();
     QCOMPARE(view.cursorForPosition(corner).position(), 30000);
     view.selectAll();
     QCOMPARE(view.viewport()->grab().toImage().pixelColor(QPoint(5, corner.y() - 5)),
              view.palette().color(QPalette::Highlight));
-    view.push(QByteArray(15, '\b') + "\x1b[K|");
-    QCOMPARE(view.shown().right(12), "d|dddddddddd"_s);
+
+    QCoreApplication::processEvents(); // paints what is new before the user comes
+    view.painted = QRegion();
+    view.moveCursor(QTextCursor::End);
+    QTRY_VERIFY(view.painted.contains(QPoint(5, 60))); // deselected
+    view.painted = QRegion();
+    QTest::mousePress(view.viewport(), Qt::LeftButton, {}, {5, 50});
+    QMouseEvent drag(QEvent::MouseMove, {50, 100}, {}, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(view.viewport(), &drag);
+    QVERIFY(view.textCursor().hasSelection());
+    QTRY_VERIFY(view.painted.contains(QPoint(5, 60)));
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, {50, 100});
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, {20, corner.y() - 5});
+    QCOMPARE(view.textCursor().selectedText(), "000002999"_s);
+    QCOMPARE(bar->value(), bar->maximum());
+    for (const int number : {2000, 10, 1000}) {
+        view.moveCursor(QTextCursor::Start);
+        QVERIFY(view.find(QString::number(number)));
+        const int top = number * line - bar->value();
+        QVERIFY(top >= 0 && top + line <= view.viewport()->height());
+    }
+
+    view.push(QByteArray(15, '\b') + "\x1b[K|"); // erasing stays within the line
+    QCOMPARE(view.shown().right(16), "00000|000002999 "_s);
+}
+
+void TestTerminalWidget::erasingInAWideLineIsCountedAsWork()
+{
+    View view;
+    view.setFont(QFont("DejaVu Sans"_s, 10));
+    view.push(QByteArray(8000, 'i') + QByteArray("x\b\x1b[K").repeated(100) + "end");
+    QVERIFY(!view.shown().endsWith("end"_s));
+    QTRY_COMPARE(view.shown(), QString(8000, QLatin1Char('i')) + "end"_s);
 }
 
 void TestTerminalWidget::messagesStandBetweenTheOutputs()
@@ -333,9 +351,12 @@ void TestTerminalWidget::oldBlocksAreRemovedAboveTheView()
     view.push(numberedLines(0, 50));
     QCOMPARE(top(), before);
     QCOMPARE(view.document()->blockCount(), 500);
-    view.push(numberedLines(0, 2000)); // what was shown has gone
-    QCOMPARE(view.verticalScrollBar()->value(), 0);
-    QCOMPARE(view.shown(), QString::fromLatin1(numberedLines(1501, 2000)));
+    for (const char *const end : {"\n", "\r\n", "\r"}) {
+        view.push(numberedLines(0, 99000).replace("\n", end)); // what was shown has gone
+        QCOMPARE(view.verticalScrollBar()->value(), 0);
+        // Lines that are too old already take no time at all.
+        QCOMPARE(view.shown(), QString::fromLatin1(numberedLines(98501, 99000)));
+    }
 }
 
 void TestTerminalWidget::outputPositionIsPainted()
@@ -391,7 +412,9 @@ void TestTerminalWidget::sizeHintHoldsTheWindowOfTheTerminal()
     QCOMPARE(widget.lineWrapColumnOrWidth(), 20);
     const QSize plain = margins + QSize(20 * width, 4 * height);
     QCOMPARE(widget.sizeHint(), plain + frame);
-    GapStyle style;
+    RecordingStyle style;
+    style.hints[QStyle::SH_ScrollView_FrameOnlyAroundContents] = 1;
+    style.metrics[QStyle::PM_ScrollView_ScrollBarSpacing] = 5;
     widget.setStyle(&style);
     const int edge = 2 * widget.frameWidth() + 5;
     QCOMPARE(widget.sizeHint() - plain, QSize(edge, edge));

@@ -36,10 +36,11 @@ int obey(const QByteArray &bytes, int at, TerminalSink &sink)
 
 } // namespace
 
-void TerminalInterpreter::interpret(const QByteArray &read, TerminalSink &sink)
+int TerminalInterpreter::interpret(const QByteArray &read, TerminalSink &sink)
 {
     if (read.isEmpty())
-        return;
+        return 0;
+    const int pendingCount = m_pending.size();
     const QByteArray bytes = m_pending.isEmpty() ? read : m_pending + read;
     m_pending.clear();
     const int size = bytes.size();
@@ -59,9 +60,12 @@ void TerminalInterpreter::interpret(const QByteArray &read, TerminalSink &sink)
         start = obey(bytes, at, sink);
         if (start == -1) {
             m_pending = bytes.mid(at);
-            return;
+            return read.size();
         }
+        if (sink.isFull())
+            return start - pendingCount;
         at = start;
     }
     m_endsInReturn = bytes.at(size - 1) == carriageReturn && start < size;
+    return read.size();
 }

@@ -17,6 +17,8 @@ public:
     /// The place where text goes moves one character to the left.
     virtual void moveLeft() = 0;
     virtual void eraseToEndOfLine() = 0;
+    /// Whether to take no more for now; asked after each control byte.
+    virtual bool isFull() const { return false; }
 };
 
 /// Finds the runs of plain bytes and the few control bytes that a terminal display obeys, and drops
@@ -28,7 +30,9 @@ public:
 class TerminalInterpreter
 {
 public:
-    void interpret(const QByteArray &bytes, TerminalSink &sink);
+    /// Returns how many of the bytes it took: all of them, unless the sink was full before. The
+    /// others are to be given again.
+    int interpret(const QByteArray &bytes, TerminalSink &sink);
 
     /// How many bytes of a cut escape sequence wait for the next read: at most two.
     int pendingSize() const { return m_pending.size(); }

@@ -1,4 +1,5 @@
 #include <tul-util-gui/terminal/terminal.h>
+#include <tul-util-gui/terminal/terminalbacklog_p.h>
 #include <tul-util-gui/terminal/terminalinterpreter_p.h>
 #include <tul-util-gui/terminal/terminalwidget.h>
 #include <tul-util-gui/terminal/textgridlayout_p.h>
@@ -21,7 +22,6 @@
 #include <QVector>
 
 #include <algorithm>
-#include <deque>
 
 namespace
 {
@@ -34,26 +34,10 @@ constexpr int frameMilliseconds = 16;
 // thirty bytes of text. One pass of the event loop shows this much, a few milliseconds' worth.
 constexpr int stepCost = 32;
 constexpr int passCost = 1 << 18;
-constexpr int sliceSize = 4096; // of the bytes between two looks at what has been spent
+constexpr int shapingCost = 4; // of a character
 
 constexpr char interrupt = 3;
 constexpr char deletion = 127;
-
-/// Something to be shown: bytes of the terminal, or a message of the widget's own.
-struct Arrival {
-    QByteArray bytes;
-    QString message;
-    int shown = 0; // of the bytes
-};
-
-/// Takes bytes that are not to be shown any more.
-class NoSink : public TerminalSink
-{
-public:
-    void plainBytes(const char *, int) override { }
-    void moveLeft() override { }
-    void eraseToEndOfLine() override { }
-};
 
 int standardCellWidth(const QWidget *widget)
 {
@@ -77,8 +61,8 @@ public:
     int maximumBlockCount = 0; // 0 for no limit
     int standardCursorWidth = 0; // followed by the cursor width while nobody sets another one
 
-    std::deque<Arrival> arrivals; // not shown yet
-    QTimer arrivalTimer; // runs while some of them are left for the next pass
+    TerminalBacklog backlog; // not shown yet
+    QTimer backlogTimer; // runs while some of it is left for the next pass
     bool isShowing = false;
     int outputDepth = 0; // of nested Output objects
 
@@ -91,27 +75,32 @@ public:
 class TerminalWidget::Output : public TerminalSink
 {
 public:
-    explicit Output(TerminalWidget *widget);
+    /// Takes bytes until they have cost `budget`.
+    explicit Output(TerminalWidget *widget, int budget = passCost);
     ~Output() override;
     Output(const Output &) = delete;
     Output &operator=(const Output &) = delete;
 
     int cost() const { return m_cost; }
+    void addCost(int cost) { m_cost += cost; }
 
     void plainBytes(const char *data, int length) override;
     void moveLeft() override;
     void eraseToEndOfLine() override;
+    bool isFull() const override { return m_cost >= m_budget; }
 
 private:
     TerminalWidget *const m_widget;
     TerminalWidgetPrivate *const d;
+    const int m_budget;
     bool m_isFollowing = false;
     int m_cost = 0;
 };
 
-TerminalWidget::Output::Output(TerminalWidget *widget)
+TerminalWidget::Output::Output(TerminalWidget *widget, int budget)
     : m_widget(widget)
     , d(widget->d.get())
+    , m_budget(budget)
 {
     if (d->outputDepth++ > 0)
         return;
@@ -152,10 +141,12 @@ void TerminalWidget::Output::moveLeft()
         return;
     // The toolkit lays out the block to find where the character before the cursor begins.
     const QChar character = m_widget->document()->characterAt(position);
-    if (character < QLatin1Char(deletion) || character == QChar::ParagraphSeparator)
+    if (character < QLatin1Char(deletion) || character == QChar::ParagraphSeparator) {
         d->outputCursor.setPosition(position);
-    else
-        d->outputCursor.movePosition(QTextCursor::Left);
+        return;
+    }
+    m_cost += shapingCost * d->outputCursor.block().length();
+    d->outputCursor.movePosition(QTextCursor::Left);
 }
 
 void TerminalWidget::Output::eraseToEndOfLine()
@@ -164,7 +155,9 @@ void TerminalWidget::Output::eraseToEndOfLine()
     if (d->outputCursor.atBlockEnd() || !d->layout)
         return;
     QTextCursor rest = d->outputCursor;
-    rest.setPosition(d->layout->lineEnd(rest.position()), QTextCursor::KeepAnchor);
+    int shaped = 0;
+    rest.setPosition(d->layout->lineEnd(rest.position(), &shaped), QTextCursor::KeepAnchor);
+    m_cost += shapingCost * shaped;
     rest.removeSelectedText();
 }
 
@@ -210,8 +203,15 @@ void TerminalWidget::init()
     d->pasteAction->setShortcuts(QKeySequence::Paste);
     connect(d->pasteAction, &QAction::triggered, this, &TerminalWidget::pasteFromClipboard);
 
-    d->arrivalTimer.setSingleShot(true);
-    connect(&d->arrivalTimer, &QTimer::timeout, this, &TerminalWidget::showSome);
+    // In a long block, which has no text layout, the toolkit does not find where the selection is.
+    // Output renews the picture anyway.
+    connect(this, &QTextEdit::selectionChanged, this, [this] {
+        if (d->outputDepth == 0)
+            viewport()->update();
+    });
+
+    d->backlogTimer.setSingleShot(true);
+    connect(&d->backlogTimer, &QTimer::timeout, this, &TerminalWidget::showSome);
     d->frameTimer.setSingleShot(true);
     d->frameTimer.setTimerType(Qt::PreciseTimer);
     connect(&d->frameTimer, &QTimer::timeout, this, [this] {
@@ -252,6 +252,7 @@ int TerminalWidget::maximumBlockCount() const
 void TerminalWidget::setMaximumBlockCount(int count)
 {
     d->maximumBlockCount = std::max(count, 0);
+    skipOld();
     const Output trimmed(this);
 }
 
@@ -282,12 +283,8 @@ QSize TerminalWidget::sizeHint() const
 
 void TerminalWidget::clear()
 {
-    // An escape sequence may begin in what is thrown away and end in what is still to come.
-    NoSink nothing;
-    for (const Arrival &arrival : d->arrivals)
-        d->interpreter.interpret(arrival.bytes.mid(arrival.shown), nothing);
-    d->arrivals.clear();
-    d->arrivalTimer.stop();
+    d->backlog.skipAll(d->interpreter);
+    d->backlogTimer.stop();
     QTextEdit::clear();
 }
 
@@ -304,9 +301,22 @@ void TerminalWidget::terminalReadyRead()
     // One call ends at the longest byte array that there can be.
     for (QByteArray bytes = d->terminal->readAll(); !bytes.isEmpty();
          bytes = d->terminal->readAll())
-        d->arrivals.push_back({bytes, {}});
-    if (!d->arrivalTimer.isActive())
+        d->backlog.addBytes(bytes);
+    backlogGrew();
+}
+
+void TerminalWidget::backlogGrew()
+{
+    skipOld();
+    if (!d->backlogTimer.isActive())
         showSome();
+}
+
+/// What would be removed again as too old is not shown at all, nor kept until then.
+void TerminalWidget::skipOld()
+{
+    if (d->maximumBlockCount > 0 && !d->isShowing)
+        d->backlog.skipOld(d->interpreter, d->maximumBlockCount);
 }
 
 /// Shows what has arrived, in its order, and leaves to the next pass of the event loop what would
@@ -316,33 +326,31 @@ void TerminalWidget::showSome()
     if (d->isShowing)
         return; // whoever was told of a change of the text has brought more
     d->isShowing = true;
-    for (int spent = 0; !d->arrivals.empty() && spent < passCost;) {
-        Output output(this);
-        while (!d->arrivals.empty() && spent + output.cost() < passCost)
-            spent += showNext(&output);
-        spent += output.cost();
+    for (int budget = passCost; !d->backlog.isEmpty() && budget > 0;) {
+        Output output(this, budget);
+        while (!d->backlog.isEmpty() && !output.isFull())
+            showNext(&output);
+        budget -= output.cost();
     }
     d->isShowing = false;
-    if (!d->arrivals.empty())
-        d->arrivalTimer.start(0);
+    if (!d->backlog.isEmpty())
+        d->backlogTimer.start(0);
 }
 
-/// Takes a piece of what has arrived, before showing it, and returns how many bytes it has.
-int TerminalWidget::showNext(Output *output)
+/// Takes a piece of what has arrived, and shows as much of it as the output has room for.
+void TerminalWidget::showNext(Output *output)
 {
-    Arrival &first = d->arrivals.front();
-    const QString message = first.message;
-    const QByteArray bytes = first.bytes.mid(first.shown, sliceSize);
-    first.shown += bytes.size();
-    if (first.shown == first.bytes.size())
-        d->arrivals.pop_front();
-    if (bytes.isEmpty()) {
+    const TerminalBacklog::Piece first = d->backlog.takeFirst();
+    if (first.bytes.isEmpty()) {
         d->interpreter.interrupt();
-        appendString(message);
-    } else {
-        d->interpreter.interpret(bytes, *output);
+        output->addCost(stepCost + first.message.size());
+        appendString(first.message);
+        return;
     }
-    return bytes.size();
+    const int taken = d->interpreter.interpret(first.bytes, *output);
+    output->addCost(taken);
+    if (taken < first.bytes.size())
+        d->backlog.putBack(first.bytes.mid(taken));
 }
 
 void TerminalWidget::appendBytes(const char *bytes, int length)
@@ -361,9 +369,8 @@ void TerminalWidget::appendString(const QString &text)
 /// Messages keep their place among the bytes that have arrived before them.
 void TerminalWidget::appendMessage(const QString &text)
 {
-    d->arrivals.push_back({{}, text});
-    if (!d->arrivalTimer.isActive())
-        showSome();
+    d->backlog.addMessage(text);
+    backlogGrew();
 }
 
 void TerminalWidget::removeOldBlocks(bool isFollowing)
@@ -392,6 +399,19 @@ void TerminalWidget::processFinished(int exitCode, QProcess::ExitStatus exitStat
         ? tr("[process exited with exit code %1]").arg(exitCode)
         : tr("[process exited abnormally]");
     appendMessage(QLatin1Char('\n') + message + QLatin1Char('\n'));
+}
+
+void TerminalWidget::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    QTextEdit::mouseDoubleClickEvent(event);
+    QTextCursor cursor = textCursor();
+    if (event->button() != Qt::LeftButton
+        || !textInteractionFlags().testFlag(Qt::TextSelectableByMouse)
+        || !TextGridLayout::isLong(cursor.block()))
+        return;
+    // The toolkit selects words only where it finds lines.
+    cursor.select(QTextCursor::WordUnderCursor);
+    setTextCursor(cursor);
 }
 
 /// Has the viewport painted, the first time at once and then once a frame.

@@ -58,7 +58,10 @@ public:
 
     /// How many lines of output, wrapped or not, are kept; older ones are removed. 0, the default,
     /// keeps all. A view that is not at the bottom stays with the lines that it shows, while they
-    /// last.
+    /// last. Of what a program prints faster than it can be shown, lines that would be too old by
+    /// then are left out. Without a limit all of it waits in memory: a host that must bound that
+    /// reads the program's output in portions, with QProcess::setReadBufferSize() set, so that the
+    /// program waits.
     int maximumBlockCount() const;
     void setMaximumBlockCount(int count);
 
@@ -68,7 +71,8 @@ public:
     QSize sizeHint() const override;
 
 public Q_SLOTS:
-    /// Removes all that has arrived so far. The next output begins at the top.
+    /// Removes all that has arrived so far, also what is not shown yet. The next output begins at
+    /// the top. QTextEdit::clear(), which this hides, leaves what is not shown yet.
     void clear();
 
 Q_SIGNALS:
@@ -79,6 +83,7 @@ protected:
     void changeEvent(QEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
 
@@ -97,7 +102,9 @@ private:
     void appendString(const QString &text);
     void appendMessage(const QString &text);
     void showSome();
-    int showNext(Output *output);
+    void showNext(Output *output);
+    void backlogGrew();
+    void skipOld();
     void removeOldBlocks(bool isFollowing);
     void renewPicture();
 

@@ -3,6 +3,7 @@
 #include <QFontInfo>
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -20,33 +21,52 @@ namespace
 using Formats = QVector<QTextLayout::FormatRange>;
 
 constexpr qreal farAway = 1e9; // beyond any document, in pixels
+constexpr qreal toolkitCursorHeight = 10; // where a block has no lines
 
 int textLength(const QTextBlock &block)
 {
     return block.length() - 1; // without its separator
 }
 
-bool isOdd(QChar character)
+bool hasOdd(const QString &text)
 {
-    const ushort code = character.unicode();
-    return code < ' ' || code > '~';
+    return std::any_of(text.begin(), text.end(), [](QChar character) {
+        const ushort code = character.unicode();
+        return code < ' ' || code > '~';
+    });
 }
 
-/// How many lines the text of a block takes where all characters are of one width. As in the
-/// toolkit, blanks never begin a line that is wrapped: they belong to the line before, however many
-/// there are, and those that a text begins with have one more character with them.
-int linesOfText(const QString &text, int columns)
+/// Where the line after that which begins at `start` begins, where all characters are of one width.
+/// As in the toolkit, blanks never begin a line that is wrapped: they belong to the line before,
+/// however many there are, and those that a text begins with have one more character with them.
+int nextLine(const QString &text, int start, int columns)
 {
     const auto behindBlanks = [&](int at) {
         while (at < text.size() && text.at(at) == QLatin1Char(' '))
             ++at;
         return at;
     };
+    if (columns >= text.size() - start)
+        return text.size();
+    const int next = behindBlanks(std::max(behindBlanks(start) + 1, start + columns));
+    return std::min(next, text.size());
+}
+
+int linesOfText(const QString &text, int columns)
+{
     int lines = 1;
-    int at = std::max(behindBlanks(0) + 1, columns);
-    for (at = behindBlanks(at); at < text.size(); at = behindBlanks(at + columns))
+    for (int at = nextLine(text, 0, columns); at < text.size(); at = nextLine(text, at, columns))
         ++lines;
     return lines;
+}
+
+int endOfLineAt(const QString &text, int position, int columns)
+{
+    int end = nextLine(text, 0, columns);
+    while (end <= position && end < text.size())
+        end = nextLine(text, end, columns);
+    // The blank at which a line is wrapped counts as its end.
+    return end < text.size() && text.at(end - 1) == QLatin1Char(' ') ? end - 1 : end;
 }
 
 /// What of `ranges` touches the piece of text from `start`, counted from there. They may begin
@@ -140,8 +160,20 @@ QRectF TextGridLayout::blockBoundingRect(const QTextBlock &block) const
 {
     if (!block.isValid())
         return {};
-    layOut(block);
-    return blockRect(block);
+    const QRectF rect = blockRect(block);
+    if (layOut(block))
+        return rect;
+    // In a block without lines it takes the topmost pixels for the user's cursor and scrolls to
+    // these: they are in the line of the cursor, at the side from which that comes into view.
+    const QTextCursor cursor = m_edit->textCursor();
+    if (cursor.block() != block)
+        return rect;
+    const int line = longBlockLine(block, cursor.positionInBlock());
+    const qreal top = rect.top() + line * m_linePitch;
+    const int viewBottom = m_edit->verticalScrollBar()->value() + m_edit->viewport()->height();
+    const bool isBelow = top + m_lineHeight > viewBottom;
+    return {rect.left(), isBelow ? top + m_lineHeight - toolkitCursorHeight : top, rect.width(),
+            m_lineHeight};
 }
 
 QRectF TextGridLayout::blockRect(const QTextBlock &block) const
@@ -153,7 +185,7 @@ QRectF TextGridLayout::blockRect(const QTextBlock &block) const
 /// The layout of a block with all its lines; null for a long block.
 QTextLayout *TextGridLayout::layOut(const QTextBlock &block) const
 {
-    if (textLength(block) > longBlock)
+    if (isLong(block))
         return nullptr;
     QTextLayout *const layout = block.layout();
     const int number = block.blockNumber();
@@ -280,10 +312,9 @@ void TextGridLayout::lookForOddCharacters(QTextBlock block, int lastPosition)
         if (m_hasOddCharacters)
             return;
         position += block.length();
-        if (textLength(block) > longBlock)
+        if (isLong(block))
             continue; // makes no difference there
-        const QString text = block.text();
-        m_hasOddCharacters = std::any_of(text.begin(), text.end(), isOdd);
+        m_hasOddCharacters = hasOdd(block.text());
     }
 }
 
@@ -308,7 +339,7 @@ int TextGridLayout::lineCountOf(QTextBlock block) const
     if (fits(length) && !m_hasOddCharacters)
         return 1;
     const QString text = block.text();
-    if (!m_hasOddCharacters || std::none_of(text.begin(), text.end(), isOdd)) {
+    if (!m_hasOddCharacters || !hasOdd(text)) {
         if (m_isFixedPitch)
             return linesOfText(text, m_columns);
         if (length <= m_columns && widthOf(text) <= m_lineWidth)
@@ -335,24 +366,36 @@ qreal TextGridLayout::widthOf(const QString &text) const
         [&](qreal width, QChar character) { return width + m_advances.at(character.unicode()); });
 }
 
-int TextGridLayout::lineEnd(int position)
+bool TextGridLayout::isLong(const QTextBlock &block)
+{
+    return textLength(block) > longBlock;
+}
+
+int TextGridLayout::lineEnd(int position, int *cost)
 {
     QTextBlock block = document()->findBlock(position);
     const int start = block.position();
     const int length = textLength(block);
     if (length > longBlock) {
-        const int line = std::min(position - start, length - 1) / m_columns;
+        const int line = longBlockLine(block, position - start);
         return start + static_cast<int>(std::min<qint64>((line + 1LL) * m_columns, length));
     }
-    if (fits(length) && !m_hasOddCharacters)
-        return start + length;
     // The text may have changed without the layout having been told yet.
+    const QString text = block.text();
+    *cost += length / 32; // for looking at it
+    if (!hasOdd(text)) {
+        if (fits(length))
+            return start + length;
+        if (m_isFixedPitch)
+            return start + endOfLineAt(text, position - start, m_columns);
+    }
+    *cost += length;
     releaseLines();
     block.clearLayout();
     const QTextLayout *const layout = layOut(block);
     const QTextLine line = layout->lineForTextPosition(position - start);
     const int end = start + line.textStart() + line.textLength();
-    // The blank at which a line is wrapped counts as its end.
+    // As in endOfLineAt().
     const bool isWrapped = line.lineNumber() < layout->lineCount() - 1;
     return isWrapped && document()->characterAt(end - 1).isSpace() ? end - 1 : end;
 }
@@ -397,6 +440,12 @@ void TextGridLayout::layOutLine(QTextLayout *layout, const QTextBlock &block, in
     layout->endLayout();
 }
 
+/// The line that holds `position` of a long block.
+int TextGridLayout::longBlockLine(const QTextBlock &block, int position) const
+{
+    return std::min(position, textLength(block) - 1) / m_columns;
+}
+
 void TextGridLayout::drawLongBlock(QPainter *painter, const QTextBlock &block,
                                    const Formats &selections, const QRectF &clip) const
 {
@@ -409,18 +458,35 @@ void TextGridLayout::drawLongBlock(QPainter *painter, const QTextBlock &block,
     }
 }
 
+/// A layout of the line that holds `position` of a block, which becomes that in the layout:
+/// `longLine` when the block is long.
+const QTextLayout *TextGridLayout::layOutAt(int *position, const QTextBlock &block,
+                                            QTextLayout *longLine) const
+{
+    if (const QTextLayout *const layout = layOut(block))
+        return layout;
+    const int line = longBlockLine(block, *position);
+    layOutLine(longLine, block, line);
+    *position -= line * m_columns;
+    return longLine;
+}
+
+QRectF TextGridLayout::cursorRect(const QTextCursor &cursor) const
+{
+    QTextLayout longLine(QString(), document()->defaultFont(), paintDevice());
+    int position = cursor.positionInBlock();
+    const QTextLayout *const layout = layOutAt(&position, cursor.block(), &longLine);
+    const QTextLine line = layout->lineForTextPosition(position);
+    return {layout->position() + QPointF(line.cursorToX(position), line.y()),
+            QSizeF(0, m_lineHeight)};
+}
+
 void TextGridLayout::drawCursor(QPainter *painter, const QTextCursor &cursor, int width)
 {
-    const QTextBlock block = cursor.block();
-    const int position = cursor.positionInBlock();
-    if (const QTextLayout *const layout = layOut(block)) {
-        layout->drawCursor(painter, QPointF(), position, width);
-        return;
-    }
-    const int line = std::min(position, textLength(block) - 1) / m_columns;
-    QTextLayout layout(QString(), document()->defaultFont(), paintDevice());
-    layOutLine(&layout, block, line);
-    layout.drawCursor(painter, QPointF(), position - line * m_columns, width);
+    QTextLayout longLine(QString(), document()->defaultFont(), paintDevice());
+    int position = cursor.positionInBlock();
+    const QTextLayout *const layout = layOutAt(&position, cursor.block(), &longLine);
+    layout->drawCursor(painter, QPointF(), position, width);
 }
 
 int TextGridLayout::hitTest(const QPointF &point, Qt::HitTestAccuracy accuracy) const

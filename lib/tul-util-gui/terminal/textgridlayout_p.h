@@ -35,12 +35,18 @@ public:
     /// For the document of `edit`, whose columns it asks for after each change of its geometry.
     explicit TextGridLayout(QTextEdit *edit);
 
+    static bool isLong(const QTextBlock &block);
+
     /// Where the line that holds `position` ends, as QTextCursor::EndOfLine finds it, also while
-    /// the document is being edited.
-    int lineEnd(int position);
+    /// the document is being edited. `cost` grows by the time that this takes, in that of shaping
+    /// a character.
+    int lineEnd(int position, int *cost);
 
     /// The position of the top of the document's n-th block, in pixels of the document.
     qreal blockTop(int number) const;
+
+    /// Where `cursor` is, without a width, in the document's coordinates.
+    QRectF cursorRect(const QTextCursor &cursor) const;
 
     /// Draws `cursor`, `width` pixels wide, in the document's coordinates.
     void drawCursor(QPainter *painter, const QTextCursor &cursor, int width);
@@ -79,8 +85,11 @@ private:
     qreal widthOf(const QString &text) const;
     qreal lineWidth() const;
     QTextLayout *layOut(const QTextBlock &block) const;
+    const QTextLayout *layOutAt(int *position, const QTextBlock &block,
+                                QTextLayout *longLine) const;
     void layOutLine(QTextLayout *layout, const QTextBlock &block, int line) const;
     int lineInBlock(const QTextBlock &block, qreal y) const;
+    int longBlockLine(const QTextBlock &block, int position) const;
     void drawLongBlock(QPainter *painter, const QTextBlock &block, const Formats &selections,
                        const QRectF &clip) const;
 
