@@ -12,6 +12,7 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <QMenu>
 #include <QRandomGenerator>
 #include <QScrollBar>
@@ -165,6 +166,7 @@ private Q_SLOTS:
     void pictureIsNotRenewedForEachRead();
     void sizeHintHoldsTheWindowOfTheTerminal();
     void keysAreWrittenAsBytes();
+    void typedKeysComeBeforeShortcutsAndFocus();
     void pasteStandsAfterCopyInTheMenu();
     void replacedTerminalIsHeardButNotRead();
     void anyOrderOfDestructionIsSafe();
@@ -459,6 +461,13 @@ void TestTerminalWidget::keysAreWrittenAsBytes()
         all += row.written;
     }
     QCOMPARE(returned.size(), 3);
+    QInputMethodQueryEvent query(Qt::ImEnabled);
+    QCoreApplication::sendEvent(&view, &query);
+    QVERIFY(query.value(Qt::ImEnabled).toBool() && view.testAttribute(Qt::WA_InputMethodEnabled));
+    QInputMethodEvent composed;
+    composed.setCommitString("\u00ea"_s);
+    QCoreApplication::sendEvent(&view, &composed);
+    all += "\u00ea";
     QApplication::clipboard()->setText("p\u00e4ste"_s);
     QMetaObject::invokeMethod(&view, "pasteFromClipboard");
     process.closeWriteChannel();
@@ -470,6 +479,38 @@ void TestTerminalWidget::keysAreWrittenAsBytes()
     QCoreApplication::sendEvent(&view, &event);
     QVERIFY(!event.isAccepted());
     QMetaObject::invokeMethod(&view, "pasteFromClipboard"); // does nothing
+}
+
+void TestTerminalWidget::typedKeysComeBeforeShortcutsAndFocus()
+{
+    View view;
+    QLineEdit other(&view);
+    QAction action;
+    action.setShortcuts({Qt::Key_S, Qt::CTRL + Qt::Key_S, Qt::Key_Escape, Qt::SHIFT + Qt::Key_X});
+    view.addAction(&action);
+    const QSignalSpy triggered(&action, &QAction::triggered);
+    view.show();
+    view.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&view));
+    view.setFocus();
+    QWindow *const window = view.windowHandle();
+    for (const Qt::Key key : {Qt::Key_S, Qt::Key_Escape, Qt::Key_Tab, Qt::Key_Backtab})
+        QTest::keyClick(window, key);
+    QTest::keyClick(window, Qt::Key_X, Qt::ShiftModifier);
+    QVERIFY(view.hasFocus());
+    QCOMPARE(triggered.size(), 0);
+    QTest::keyClick(window, Qt::Key_S, Qt::ControlModifier);
+    QCOMPARE(triggered.size(), 1);
+    view.setTabChangesFocus(true);
+    QTest::keyClick(window, Qt::Key_Tab);
+    QVERIFY(other.hasFocus());
+    view.setFocus();
+    view.setTabChangesFocus(false);
+    view.setTerminal(nullptr);
+    QTest::keyClick(window, Qt::Key_S);
+    QCOMPARE(triggered.size(), 2);
+    QTest::keyClick(window, Qt::Key_Tab);
+    QVERIFY(other.hasFocus());
 }
 
 void TestTerminalWidget::pasteStandsAfterCopyInTheMenu()

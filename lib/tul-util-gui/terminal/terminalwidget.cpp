@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
@@ -42,6 +43,21 @@ constexpr char deletion = 127;
 int standardCellWidth(const QWidget *widget)
 {
     return widget->fontMetrics().horizontalAdvance(QLatin1Char('M'));
+}
+
+bool isInterrupt(const QKeyEvent *event)
+{
+    return event->modifiers() == Qt::MetaModifier && event->key() == Qt::Key_C;
+}
+
+/// Whether a key is for the widget even if the host has a shortcut with it.
+bool isBeforeShortcuts(QKeyEvent *event)
+{
+    constexpr Qt::KeyboardModifiers typing
+        = Qt::ShiftModifier | Qt::KeypadModifier | Qt::GroupSwitchModifier;
+    return (!event->text().isEmpty() && (event->modifiers() & ~typing) == 0) || isInterrupt(event)
+        || event->matches(QKeySequence::Copy) || event->matches(QKeySequence::Paste)
+        || event->matches(QKeySequence::SelectAll);
 }
 
 } // namespace
@@ -194,6 +210,7 @@ void TerminalWidget::init()
     setUndoRedoEnabled(false);
     d->layout = new TextGridLayout(this);
     document()->setDocumentLayout(d->layout);
+    setAttribute(Qt::WA_InputMethodEnabled); // which the text edit wants only to be edited
     d->standardCursorWidth = standardCellWidth(this);
     setCursorWidth(d->standardCursorWidth); // kept by the layout
     setWindowTitle(tr("Terminal"));
@@ -232,6 +249,7 @@ void TerminalWidget::setTerminal(Terminal *terminal)
     if (d->terminal)
         disconnect(d->terminal, &Terminal::readyRead, this, &TerminalWidget::terminalReadyRead);
     d->terminal = terminal;
+    updateMicroFocus();
     if (!terminal)
         return;
     d->heard.removeAll(nullptr);
@@ -421,6 +439,7 @@ void TerminalWidget::renewPicture()
     if (d->isPictureOld)
         return;
     viewport()->update();
+    updateMicroFocus(); // input methods place their windows at the output
     d->frameTimer.start(frameMilliseconds);
 }
 
@@ -451,6 +470,40 @@ void TerminalWidget::changeEvent(QEvent *event)
     setCursorWidth(d->standardCursorWidth);
 }
 
+bool TerminalWidget::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride && d->terminal
+        && isBeforeShortcuts(static_cast<QKeyEvent *>(event))) {
+        event->accept();
+        return true;
+    }
+    return QTextEdit::event(event);
+}
+
+bool TerminalWidget::focusNextPrevChild(bool next)
+{
+    const bool isTyped = d->terminal && !tabChangesFocus();
+    return !isTyped && QTextEdit::focusNextPrevChild(next);
+}
+
+void TerminalWidget::inputMethodEvent(QInputMethodEvent *event)
+{
+    event->setAccepted(d->terminal);
+    if (d->terminal && !event->commitString().isEmpty())
+        d->terminal->write(event->commitString().toLocal8Bit());
+}
+
+/// Tells where the output goes, and nothing of the text, which is not for input methods to change.
+QVariant TerminalWidget::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    if (query == Qt::ImEnabled)
+        return !d->terminal.isNull();
+    if (query != Qt::ImCursorRectangle || d->outputCursor.isNull() || !d->layout)
+        return QWidget::inputMethodQuery(query);
+    const QPoint scrolled(horizontalScrollBar()->value(), verticalScrollBar()->value());
+    return d->layout->cursorRect(d->outputCursor).translated(viewport()->pos() - scrolled);
+}
+
 void TerminalWidget::keyPressEvent(QKeyEvent *event)
 {
     if (!d->terminal) {
@@ -461,7 +514,7 @@ void TerminalWidget::keyPressEvent(QKeyEvent *event)
         pasteFromClipboard();
         return;
     }
-    if (event->modifiers() == Qt::MetaModifier && event->key() == Qt::Key_C) {
+    if (isInterrupt(event)) {
         d->terminal->write(&interrupt, 1);
         return;
     }

@@ -15,8 +15,10 @@ class Terminal;
 /// interpreters. It obeys only backspace and delete, which move the place of the output one
 /// character to the left, and the escape sequence that erases the rest of a line; it is no
 /// emulation for programs that paint the screen. Text can be selected and copied as in any text
-/// edit; all other keys belong to the program. The font is that which the widget inherits:
-/// findGoodFont() offers one of a fixed pitch.
+/// edit; all other keys belong to the program, and so does text from input methods. What is typed
+/// without Ctrl, Alt and Meta never triggers the host's shortcuts, and the tab keys do not move the
+/// focus unless tabChangesFocus is set: the keyboard leaves by shortcuts with such a modifier. The
+/// font is that which the widget inherits: findGoodFont() offers one of a fixed pitch.
 ///
 /// Much output is shown at once, but no more than can be done without a noticeable delay; the rest
 /// follows from the event loop, in order. The picture is renewed 60 times a second at most, and
@@ -70,6 +72,8 @@ public:
     QSize minimumSizeHint() const override;
     QSize sizeHint() const override;
 
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+
 public Q_SLOTS:
     /// Removes all that has arrived so far, also what is not shown yet. The next output begins at
     /// the top. QTextEdit::clear(), which this hides, leaves what is not shown yet.
@@ -82,6 +86,9 @@ Q_SIGNALS:
 protected:
     void changeEvent(QEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
+    bool event(QEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
