@@ -11,30 +11,18 @@ class TestTerminal : public TestCase
     Q_OBJECT
 
 private Q_SLOTS:
-    void newDeviceIsClosedEmptyAndOf80By12Cells();
     void bytesAreReadInTheOrderOfTheirPushes();
     void everyWindowSizeIsAnnounced();
 };
 
-void TestTerminal::newDeviceIsClosedEmptyAndOf80By12Cells()
-{
-    Terminal terminal;
-    QVERIFY(!terminal.isOpen());
-    QVERIFY(terminal.isSequential());
-    QCOMPARE(QPoint(terminal.columns(), terminal.rows()), QPoint(80, 12));
-    announceWarning("QIODevice::read (Terminal): device not open"_s);
-    QCOMPARE(terminal.read(1), QByteArray());
-    QVERIFY(terminal.openMaster());
-    QCOMPARE(terminal.openMode(), QIODevice::ReadWrite);
-    QCOMPARE(terminal.bytesAvailable(), qint64(0));
-    QVERIFY(terminal.atEnd());
-    QCOMPARE(terminal.write("nobody listens"), qint64(0));
-}
-
 void TestTerminal::bytesAreReadInTheOrderOfTheirPushes()
 {
     Terminal terminal;
+    announceWarning("QIODevice::read (Terminal): device not open"_s);
+    QCOMPARE(terminal.read(1), QByteArray());
     QVERIFY(terminal.openMaster());
+    QVERIFY(terminal.atEnd());
+    QCOMPARE(terminal.write("nobody listens"), qint64(0));
     const QSignalSpy ready(&terminal, &QIODevice::readyRead);
     terminal.pushBytes("abc");
     QCOMPARE(terminal.read(2), QByteArray("ab"));
@@ -48,7 +36,6 @@ void TestTerminal::bytesAreReadInTheOrderOfTheirPushes()
     const QByteArray many(100000, 'x');
     terminal.pushBytes(many);
     QCOMPARE(terminal.readAll(), "d" + many);
-    QVERIFY(terminal.atEnd());
 
     QByteArray read; // by a slot that pushes more
     connect(&terminal, &QIODevice::readyRead, this, [&] {
@@ -63,12 +50,12 @@ void TestTerminal::bytesAreReadInTheOrderOfTheirPushes()
 void TestTerminal::everyWindowSizeIsAnnounced()
 {
     QPointer<Terminal> terminal(new Terminal);
+    QCOMPARE(QPoint(terminal->columns(), terminal->rows()), QPoint(80, 12));
     QSignalSpy spy(terminal, &Terminal::windowSizeChanged);
-    for (const QPoint size : {QPoint(80, 12), QPoint(0, -1), QPoint(132, 50)}) {
-        terminal->setWindowSize(size.x(), size.y());
-        QCOMPARE(spy.takeFirst(), QVariantList({terminal->columns(), terminal->rows()}));
-        QCOMPARE(QPoint(terminal->columns(), terminal->rows()), size);
-    }
+    for (int i = 0; i < 2; ++i)
+        terminal->setWindowSize(132, -1);
+    QCOMPARE(QPoint(terminal->columns(), terminal->rows()), QPoint(132, -1));
+    QCOMPARE(spy, QList<QVariantList>({{132, -1}, {132, -1}}));
     connect(terminal, &Terminal::windowSizeChanged, this, [&] { delete terminal; });
     terminal->setWindowSize(1, 1); // survives that
     QVERIFY(QMetaType::type("QProcess::ExitStatus") != QMetaType::UnknownType);

@@ -34,7 +34,6 @@ class View : public TerminalWidget
 {
 public:
     Terminal terminal;
-    int paints = 0;
     QRegion painted;
 
     explicit View(int columns = 80)
@@ -50,7 +49,6 @@ public:
     QString shown() const { return toPlainText(); }
     void paintEvent(QPaintEvent *event) override
     {
-        ++paints;
         painted += event->region();
         TerminalWidget::paintEvent(event);
     }
@@ -303,20 +301,17 @@ void TestTerminalWidget::muchAtOnceIsShownBitByBitAndInOrder()
     QVERIFY(atOnce > 1000);
     QVERIFY(atOnce < 25000);
     Q_EMIT view.terminal.processStarted("message"_s);
-    Terminal other; // which has no part in what has arrived already
-    QVERIFY(other.openMaster());
-    view.setTerminal(&other);
-    other.pushBytes("last");
+    view.push("last");
     const QByteArray all = first + "message\nlast";
     QTRY_COMPARE(view.shown(), QString::fromLatin1(all));
     // Each piece ends within a backspace's or an escape sequence's reach of the next one.
-    other.pushBytes(QByteArray("ab\b\b\x1b[K").repeated(20000));
+    view.push(QByteArray("ab\b\b\x1b[K").repeated(20000));
     QTRY_COMPARE(view.shown(), QString::fromLatin1(all));
 
-    other.pushBytes(first + "\x1b[");
+    view.push(first + "\x1b[");
     view.clear(); // what waits as well, but not that a sequence has begun
     QCOMPARE(view.verticalScrollBar()->maximum(), 0);
-    other.pushBytes("Kab\bc");
+    view.push("Kab\bc");
     QCoreApplication::processEvents();
     QCOMPARE(view.shown(), "acb"_s);
 }
@@ -325,25 +320,19 @@ void TestTerminalWidget::viewFollowsTheOutputOnlyAtTheBottom()
 {
     View view;
     QScrollBar *const bar = view.verticalScrollBar();
-    for (const bool isShown : {false, true}) {
-        view.setVisible(isShown);
-        view.push(numberedLines(0, 500));
-        QVERIFY(bar->maximum() > 5000);
-        for (const int above : {0, 1, 2}) {
-            const int value = bar->maximum() - above;
-            bar->setValue(value);
-            view.push("x\n");
-            QCOMPARE(bar->value(), above < 2 ? bar->maximum() : value);
-        }
-        bar->setValue(bar->maximum());
+    view.push(numberedLines(0, 500));
+    QVERIFY(bar->maximum() > 5000);
+    for (const int above : {0, 1, 2}) {
+        const int value = bar->maximum() - above;
+        bar->setValue(value);
+        view.push("x\n");
+        QCOMPARE(bar->value(), above < 2 ? bar->maximum() : value);
     }
 }
 
 void TestTerminalWidget::oldBlocksAreRemovedAboveTheView()
 {
     View view;
-    view.setMaximumBlockCount(-1);
-    QCOMPARE(view.maximumBlockCount(), 0);
     view.push(numberedLines(0, 900));
     view.setMaximumBlockCount(500);
     QCOMPARE(view.document()->firstBlock().text(), "401"_s);
@@ -385,18 +374,19 @@ void TestTerminalWidget::pictureIsNotRenewedForEachRead()
     View view;
     view.show();
     QVERIFY(QTest::qWaitForWindowExposed(&view));
-    QCoreApplication::processEvents();
-    view.paints = 0;
+    int paints = 0;
     QElapsedTimer clock;
     clock.start();
     for (int i = 0; i < 500; ++i) {
+        view.painted = QRegion();
         view.push("some text\n");
         QCoreApplication::processEvents();
+        paints += view.painted.isEmpty() ? 0 : 1;
     }
-    QVERIFY(view.paints > 0 && view.paints <= 2 + clock.elapsed() / 15);
-    view.paints = 0; // what came last is painted as well
+    QVERIFY(paints > 0 && paints <= 2 + clock.elapsed() / 15);
+    view.painted = QRegion(); // what came last is painted as well
     view.push("the end");
-    QTRY_VERIFY(view.paints > 0);
+    QTRY_VERIFY(!view.painted.isEmpty());
 }
 
 void TestTerminalWidget::sizeHintHoldsTheWindowOfTheTerminal()
@@ -407,13 +397,8 @@ void TestTerminalWidget::sizeHintHoldsTheWindowOfTheTerminal()
     widget.document()->setDocumentMargin(3.9);
     const QSize margins(widget.verticalScrollBar()->sizeHint().width() + 6, 6);
     const QSize frame(2 * widget.frameWidth(), 2 * widget.frameWidth());
-    QCOMPARE(widget.minimumSizeHint(), margins + frame + QSize(80 * width, 12 * height));
-    Terminal terminal;
-    widget.setTerminal(&terminal);
-    terminal.setWindowSize(20, 4);
-    QCOMPARE(widget.lineWrapColumnOrWidth(), 20);
-    const QSize plain = margins + QSize(20 * width, 4 * height);
-    QCOMPARE(widget.sizeHint(), plain + frame);
+    const QSize plain = margins + QSize(80 * width, 12 * height);
+    QCOMPARE(widget.minimumSizeHint(), plain + frame);
     RecordingStyle style;
     style.hints[QStyle::SH_ScrollView_FrameOnlyAroundContents] = 1;
     style.metrics[QStyle::PM_ScrollView_ScrollBarSpacing] = 5;
@@ -422,6 +407,10 @@ void TestTerminalWidget::sizeHintHoldsTheWindowOfTheTerminal()
     QCOMPARE(widget.sizeHint() - plain, QSize(edge, edge));
     widget.setFrameStyle(QFrame::NoFrame);
     QCOMPARE(widget.sizeHint(), plain);
+    Terminal terminal;
+    widget.setTerminal(&terminal);
+    terminal.setWindowSize(20, 4);
+    QCOMPARE(widget.sizeHint(), margins + QSize(20 * width, 4 * height));
     terminal.setWindowSize(std::numeric_limits<int>::max(), std::numeric_limits<int>::min());
     QCOMPARE(widget.sizeHint(), QSize(QWIDGETSIZE_MAX, 0));
 }
@@ -504,34 +493,21 @@ void TestTerminalWidget::typedKeysComeBeforeShortcutsAndFocus()
     view.setTabChangesFocus(true);
     QTest::keyClick(window, Qt::Key_Tab);
     QVERIFY(other.hasFocus());
-    view.setFocus();
-    view.setTabChangesFocus(false);
-    view.setTerminal(nullptr);
-    QTest::keyClick(window, Qt::Key_S);
-    QCOMPARE(triggered.size(), 2);
-    QTest::keyClick(window, Qt::Key_Tab);
-    QVERIFY(other.hasFocus());
 }
 
 void TestTerminalWidget::pasteStandsAfterCopyInTheMenu()
 {
     View view;
-    for (const auto flags : {Qt::TextSelectableByMouse, Qt::TextEditable}) {
-        QStringList texts;
-        QTimer::singleShot(0, this, [&] {
-            auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-            for (const QAction *action : menu->actions())
-                texts += action->text().section(QLatin1Char('\t'), 0, 0);
-            if (flags == Qt::TextEditable)
-                delete menu; // as with its widget
-            else
-                menu->close();
-        });
-        view.setTextInteractionFlags(flags);
-        QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5));
-        QCoreApplication::sendEvent(view.viewport(), &event);
-        QCOMPARE(texts.value(texts.indexOf("&Paste"_s) - 1), "&Copy"_s);
-    }
+    QStringList texts;
+    QTimer::singleShot(0, this, [&] {
+        auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        for (const QAction *action : menu->actions())
+            texts += action->text().section(QLatin1Char('\t'), 0, 0);
+        delete menu; // as with its widget
+    });
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5));
+    QCoreApplication::sendEvent(view.viewport(), &event);
+    QCOMPARE(texts.value(texts.indexOf("&Paste"_s) - 1), "&Copy"_s);
 }
 
 void TestTerminalWidget::replacedTerminalIsHeardButNotRead()
