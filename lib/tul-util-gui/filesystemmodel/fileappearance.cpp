@@ -4,6 +4,7 @@
 #include <tul-util-gui/filesystemmodel/remotefileinfogatherer.h>
 
 #include <QFileIconProvider>
+#include <QFileInfo>
 #include <QMimeType>
 
 #include <typeinfo>
@@ -20,6 +21,27 @@ QString withKind(const RemoteExtendedInformation &record, const QString &text)
 
 } // namespace
 
+namespace tul
+{
+
+QIcon servedIcon(const QFileIconProvider &provider, const QFileInfo &info)
+{
+    // By design: the provider is not asked about the file. It would open it to look for its type,
+    // over the network and on the GUI thread, once for each row shown.
+    if (info.isRoot())
+        return provider.icon(QFileIconProvider::Drive);
+    if (info.isDir())
+        return provider.icon(QFileIconProvider::Folder);
+    const QMimeType type
+        = QMimeDatabase().mimeTypeForFile(info.fileName(), QMimeDatabase::MatchExtension);
+    const QIcon icon = QIcon::fromTheme(type.iconName());
+    if (!icon.isNull())
+        return icon;
+    return QIcon::fromTheme(type.genericIconName(), provider.icon(QFileIconProvider::File));
+}
+
+} // namespace tul
+
 void FileAppearance::fill(RemoteExtendedInformation &record)
 {
     if (!isShared()) {
@@ -27,7 +49,8 @@ void FileAppearance::fill(RemoteExtendedInformation &record)
         return;
     }
     record.displayType = typeText(record);
-    record.icon = record.mFileInfo.isNativePath() ? localIcon(record) : servedIcon(record);
+    record.icon = record.mFileInfo.isNativePath() ? localIcon(record)
+                                                  : tul::servedIcon(*m_provider, record.mFileInfo);
 }
 
 void FileAppearance::clear()
@@ -72,18 +95,4 @@ QIcon FileAppearance::localIcon(const RemoteExtendedInformation &record)
     const QIcon icon = m_provider->icon(record.mFileInfo);
     m_icons.insert(key, icon);
     return icon;
-}
-
-QIcon FileAppearance::servedIcon(const RemoteExtendedInformation &record) const
-{
-    if (record.mFileInfo.isRoot())
-        return m_provider->icon(QFileIconProvider::Drive);
-    if (record.type() == RemoteExtendedInformation::Dir)
-        return m_provider->icon(QFileIconProvider::Folder);
-    const QMimeType type
-        = m_types.mimeTypeForFile(record.mFileInfo.fileName(), QMimeDatabase::MatchExtension);
-    const QIcon icon = QIcon::fromTheme(type.iconName());
-    if (!icon.isNull())
-        return icon;
-    return QIcon::fromTheme(type.genericIconName(), m_provider->icon(QFileIconProvider::File));
 }

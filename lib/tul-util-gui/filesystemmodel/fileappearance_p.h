@@ -6,8 +6,18 @@
 #include <QString>
 
 class QFileIconProvider;
+class QFileInfo;
 class RemoteFileInfoGatherer;
 struct RemoteExtendedInformation;
+
+namespace tul
+{
+
+/// The icon of a file that a handler serves: by its kind and name, from the pictures that the
+/// provider has of kinds.
+QIcon servedIcon(const QFileIconProvider &provider, const QFileInfo &info);
+
+} // namespace tul
 
 /// Makes the type text and the icon of files at little cost.
 ///
@@ -36,7 +46,6 @@ public:
 
 private:
     QIcon localIcon(const RemoteExtendedInformation &record);
-    QIcon servedIcon(const RemoteExtendedInformation &record) const;
 
     const RemoteFileInfoGatherer &m_gatherer;
     const QFileIconProvider *m_provider = nullptr; // whose answers are shared
