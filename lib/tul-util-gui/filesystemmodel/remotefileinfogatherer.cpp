@@ -174,7 +174,7 @@ void RemoteFileInfoGatherer::getFileInfos(const QString &path, const QStringList
 {
     const bool listsAll = files.isEmpty();
     if (listsAll && !path.isEmpty() && !path.startsWith(QLatin1String("//"))
-        && !d->watches->hasDirectory(path))
+        && !d->watches->has(path))
         addPath(path);
     if (path.isEmpty()) {
         getDriveInfos(files);

@@ -63,8 +63,10 @@ public:
     virtual void removePath(const QString &path);
 
     /// Watches a directory or file. Called on the gatherer's thread, before it lists a directory
-    /// that is not watched yet; may be called on any thread. What cannot be watched is passed over
-    /// in silence, and comes here again at its next listing.
+    /// that is not watched yet; may be called on any thread. What a handler serves, and what is
+    /// missing or unreadable, is passed over in silence and comes here again at its next listing.
+    /// The toolkit warns when the system refuses for another reason, as when it has no more watches
+    /// to give.
     virtual void addPath(const QString &path);
 
     /// How a file is shown, by the icon provider. Without a provider the record has no type text
@@ -109,7 +111,8 @@ Q_SIGNALS:
     void directoryLoaded(const QString &path);
 
 protected:
-    /// Serves requests until stop().
+    /// Serves requests until stop(). Not to be overridden: the thread starts before a derived class
+    /// is there.
     void run() override;
 
     /// Serves one request.

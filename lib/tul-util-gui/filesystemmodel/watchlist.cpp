@@ -1,31 +1,38 @@
 #include "watchlist_p.h"
 
+#include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QMutexLocker>
 #include <QStringList>
 #include <QThread>
 
-WatchList::WatchList(QObject *parent)
-    : QObject(parent)
-    , m_watcher(new QFileSystemWatcher(this))
+WatchList::WatchList(QObject *gatherer)
+    : QObject(gatherer)
+    , m_watcher(new QFileSystemWatcher(gatherer))
 {
-    // A directory that vanished is not watched any more when this comes.
+    // What has vanished is not watched any more when these come.
     connect(m_watcher, &QFileSystemWatcher::directoryChanged, this, [this](const QString &path) {
-        updateDirectories();
+        forgetUnless(path, m_watcher->directories().contains(path));
         Q_EMIT directoryChanged(path);
     });
-    connect(m_watcher, &QFileSystemWatcher::fileChanged, this, &WatchList::fileChanged);
+    connect(m_watcher, &QFileSystemWatcher::fileChanged, this, [this](const QString &path) {
+        forgetUnless(path, m_watcher->files().contains(path));
+        Q_EMIT fileChanged(path);
+    });
 }
 
-bool WatchList::hasDirectory(const QString &path) const
+bool WatchList::has(const QString &path) const
 {
     const QMutexLocker locker(&m_mutex);
-    return m_directories.contains(path) || m_pending.contains(path);
+    return m_watched.contains(path) || m_pending.contains(path);
 }
 
 void WatchList::add(const QString &path)
 {
-    if (path.isEmpty())
+    // Asked here: the watcher would ask a handler's engine, and wait for it, on its own thread, and
+    // warn of what must not be read.
+    const QFileInfo info(path);
+    if (path.isEmpty() || !info.isNativePath() || !info.isReadable())
         return;
     {
         const QMutexLocker locker(&m_mutex);
@@ -40,29 +47,25 @@ void WatchList::add(const QString &path)
 
 void WatchList::remove(const QString &path)
 {
-    {
-        const QMutexLocker locker(&m_mutex);
-        m_pending.remove(path);
-    }
     if (path.isEmpty())
         return;
     m_watcher->removePath(path);
-    updateDirectories();
+    const QMutexLocker locker(&m_mutex);
+    m_pending.remove(path);
+    m_watched.remove(path);
 }
 
 void WatchList::clear()
 {
-    {
-        const QMutexLocker locker(&m_mutex);
-        m_pending.clear();
-    }
     const QStringList files = m_watcher->files();
     if (!files.isEmpty())
         m_watcher->removePaths(files);
     const QStringList directories = m_watcher->directories();
     if (!directories.isEmpty())
         m_watcher->removePaths(directories);
-    updateDirectories();
+    const QMutexLocker locker(&m_mutex);
+    m_pending.clear();
+    m_watched.clear();
 }
 
 void WatchList::watch(const QString &path)
@@ -72,16 +75,17 @@ void WatchList::watch(const QString &path)
         if (!m_pending.contains(path)) // removed since
             return;
     }
-    m_watcher->addPath(path);
-    updateDirectories();
+    const bool isWatched = m_watcher->addPath(path);
     const QMutexLocker locker(&m_mutex);
     m_pending.remove(path);
+    if (isWatched)
+        m_watched.insert(path);
 }
 
-void WatchList::updateDirectories()
+void WatchList::forgetUnless(const QString &path, bool isWatched)
 {
-    const QStringList directories = m_watcher->directories();
-    const QSet<QString> set(directories.begin(), directories.end());
+    if (isWatched)
+        return;
     const QMutexLocker locker(&m_mutex);
-    m_directories = set;
+    m_watched.remove(path);
 }

@@ -7,8 +7,8 @@
 
 class QFileSystemWatcher;
 
-/// What a gatherer watches: a file system watcher that only ever works on its own thread, the one
-/// of this object, and a set of what it watches for other threads to read.
+/// What a gatherer watches: a file system watcher, a child of the gatherer that only ever works on
+/// their thread, and a set of what it watches for other threads to read.
 ///
 /// The watcher's notifications change its tables on its own thread at any time, so that a lock
 /// around our calls alone would not let two threads use it.
@@ -17,13 +17,14 @@ class WatchList : public QObject
     Q_OBJECT
 
 public:
-    explicit WatchList(QObject *parent);
+    explicit WatchList(QObject *gatherer);
 
-    /// Whether a directory is watched or about to be. Any thread.
-    bool hasDirectory(const QString &path) const;
+    /// Whether a file or directory is watched or about to be. Any thread.
+    bool has(const QString &path) const;
 
     /// Watches a file or directory; in another thread than the watcher's a little later, unless it
-    /// is removed before. Any thread.
+    /// is removed before. Passes over what the watcher cannot watch: what a handler serves, what is
+    /// missing and what must not be read. Any thread.
     void add(const QString &path);
 
     // The rest is for the watcher's thread.
@@ -39,10 +40,10 @@ Q_SIGNALS:
 
 private:
     void watch(const QString &path);
-    void updateDirectories();
+    void forgetUnless(const QString &path, bool isWatched);
 
     QFileSystemWatcher *const m_watcher;
     mutable QMutex m_mutex; // guards the two sets
-    QSet<QString> m_directories; // a copy of the watcher's list
+    QSet<QString> m_watched; // what the watcher has
     QSet<QString> m_pending; // to be added when the watcher's thread gets to it
 };
