@@ -1,6 +1,5 @@
 #include <tul-util-gui/filedialog/dialogpaths_p.h>
 
-#include <QDir>
 #include <QFile>
 
 #ifdef Q_OS_UNIX
@@ -18,20 +17,6 @@ namespace
 constexpr QLatin1Char slash('/');
 constexpr QLatin1Char quote('"');
 
-#ifdef Q_OS_WIN
-constexpr bool doubleSlashNamesAHost = true;
-#else
-constexpr bool doubleSlashNamesAHost = false;
-#endif
-
-/// Whether what stands before the first slash is a root: a prefix or a drive. Without a file engine
-/// the toolkit takes a prefixed path for a relative one, so the colon counts as well.
-bool hasRootElement(const QString &path)
-{
-    return path.leftRef(path.indexOf(slash)).contains(QLatin1Char(':'))
-        || QDir::isAbsolutePath(path);
-}
-
 } // namespace
 
 QString parentPath(const QString &path)
@@ -45,26 +30,6 @@ QString parentPath(const QString &path)
     if (elements.size() == 1 && root.size() == 2 && root.endsWith(QLatin1Char(':')))
         return root + slash;
     return requestPath(joinElements(elements));
-}
-
-QString cleanDialogPath(const QString &path)
-{
-    const QString given = QDir::fromNativeSeparators(path);
-    const bool host = doubleSlashNamesAHost && given.startsWith(QLatin1String("//"));
-    if (given.isEmpty() || host || (!given.startsWith(slash) && !hasRootElement(given)))
-        return QDir::cleanPath(given);
-
-    const QStringList elements = splitPath(given);
-    QStringList kept;
-    for (int i = 1; i < elements.size(); ++i) {
-        if (elements.at(i) != QLatin1String(".."))
-            kept.append(elements.at(i));
-        else if (!kept.isEmpty())
-            kept.removeLast();
-        if (!kept.isEmpty() && kept.constLast() == QLatin1String("."))
-            kept.removeLast();
-    }
-    return QDir::cleanPath(joinSlash(elements.constFirst(), joinElements(kept)));
 }
 
 QString lastElement(const QString &path)

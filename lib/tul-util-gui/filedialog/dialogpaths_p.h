@@ -15,10 +15,11 @@ namespace tul
 /// The directory above, by the elements alone; empty above the first one.
 QString parentPath(const QString &path);
 
-/// The path without ".", ".." and empty elements, as QDir::cleanPath() gives it, except that ".."
-/// never leads out of "/" or of the first element of another absolute path. The root of a remote
-/// machine is the bare prefix.
-QString cleanDialogPath(const QString &path);
+/// A path as the dialog shows it.
+inline QString cleanDialogPath(const QString &path)
+{
+    return cleanPath(path);
+}
 
 /// The last element, whether or not "/" follows it; empty for an empty path.
 QString lastElement(const QString &path);
