@@ -28,16 +28,24 @@ void ChildTable::Iterator::skipEmptyBuckets()
 
 FileNode *ChildTable::find(const QString &name) const
 {
+    FileNode *const exact = findExact(name);
+    if (exact || m_sensitivity == Qt::CaseSensitive || m_buckets.empty())
+        return exact;
+    const QString lower = name.toLower();
+    FileNode *node = m_buckets[bucketOf(name)];
+    while (node && node->fileName.toLower() != lower)
+        node = node->nextInTable;
+    return node;
+}
+
+FileNode *ChildTable::findExact(const QString &name) const
+{
     if (m_buckets.empty())
         return nullptr;
-    FileNode *similar = nullptr;
-    for (FileNode *node = m_buckets[bucketOf(name)]; node; node = node->nextInTable) {
-        if (node->fileName == name)
-            return node;
-        if (m_sensitivity == Qt::CaseInsensitive && node->fileName.toLower() == name.toLower())
-            similar = node;
-    }
-    return similar;
+    FileNode *node = m_buckets[bucketOf(name)];
+    while (node && node->fileName != name)
+        node = node->nextInTable;
+    return node;
 }
 
 void ChildTable::insert(FileNode *node)

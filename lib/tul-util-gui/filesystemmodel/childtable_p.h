@@ -40,6 +40,9 @@ public:
     /// case sensitivity takes for it.
     FileNode *find(const QString &name) const;
 
+    /// The child of exactly this name, or null.
+    FileNode *findExact(const QString &name) const;
+
     void insert(FileNode *node);
     void remove(FileNode *node);
 

@@ -61,6 +61,14 @@ FileNode *FileTree::find(const FileNode *parent, const QString &name)
     return parent->directory ? parent->directory->children.find(name) : nullptr;
 }
 
+FileNode *FileTree::findFile(const FileNode *parent, const QString &name, bool isServed)
+{
+    if (!parent->directory)
+        return nullptr;
+    const ChildTable &children = parent->directory->children;
+    return isServed ? children.findExact(name) : children.find(name);
+}
+
 FileNode *FileTree::findPath(const QString &path) const
 {
     FileNode *node = root();
@@ -200,7 +208,7 @@ FileDirectory &FileTree::directoryOf(FileNode *node)
 
 FileTree::Keeper::~Keeper()
 {
-    --m_tree.m_keepers;
-    if (m_tree.m_keepers == 0)
-        m_tree.m_removed.clear();
+    --m_tree->m_keepers;
+    if (m_tree->m_keepers == 0)
+        m_tree->m_removed.clear();
 }

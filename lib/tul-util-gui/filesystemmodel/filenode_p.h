@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 struct FileDirectory;
@@ -80,6 +81,10 @@ public:
     /// The child of that name, or null.
     static FileNode *find(const FileNode *parent, const QString &name);
 
+    /// The child that a file which exists under that name is, or null. Two names of a served
+    /// directory are two files, however this machine compares names.
+    static FileNode *findFile(const FileNode *parent, const QString &name, bool isServed);
+
     /// The node of a path as the model or a request gives it, or null. The empty path is the root.
     FileNode *findPath(const QString &path) const;
 
@@ -114,22 +119,22 @@ public:
     /// Whether the node is in the tree and it and all above it have rows.
     bool isShown(const FileNode *node) const;
 
-    /// While one lives, removed nodes can still be looked at: receivers of signals may remove nodes
-    /// that the sender has in hand.
+    /// While one lives, the tree and removed nodes can still be looked at: receivers of signals may
+    /// remove nodes that the sender has in hand, or delete the model with all of them.
     class Keeper
     {
     public:
-        explicit Keeper(FileTree &tree)
-            : m_tree(tree)
+        explicit Keeper(std::shared_ptr<FileTree> tree)
+            : m_tree(std::move(tree))
         {
-            ++m_tree.m_keepers;
+            ++m_tree->m_keepers;
         }
         ~Keeper();
         Keeper(const Keeper &) = delete;
         Keeper &operator=(const Keeper &) = delete;
 
     private:
-        FileTree &m_tree;
+        const std::shared_ptr<FileTree> m_tree;
     };
 
 private:

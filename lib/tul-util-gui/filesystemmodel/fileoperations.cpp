@@ -33,8 +33,11 @@ QUrl fileUrl(const QString &path)
 
 QString urlPath(const QUrl &url)
 {
-    const QString path = url.toLocalFile();
-    return path.isEmpty() ? path : QDir::cleanPath(path);
+    QString path = url.toLocalFile();
+    while (path.endsWith(QLatin1Char('/')))
+        path.chop(1);
+    const int slash = path.lastIndexOf(QLatin1Char('/'));
+    return slash < 0 || isDots(path.mid(slash + 1)) ? QString() : path;
 }
 
 bool isTaken(const QString &path)
@@ -45,6 +48,8 @@ bool isTaken(const QString &path)
 
 bool renameFile(const QString &directory, const QString &oldName, const QString &newName)
 {
+    if (isDots(oldName))
+        return false; // an engine may take the directory itself for it
     const QDir dir(directory);
     const bool changesCase = nativeCaseSensitivity() == Qt::CaseInsensitive
         && oldName.compare(newName, Qt::CaseInsensitive) == 0;
@@ -61,7 +66,8 @@ bool removeDirectory(const QString &path)
     return QDir(info.path()).rmdir(info.fileName());
 }
 
-RemovedTree removeTree(const QString &path)
+RemovedTree removeTree(const QString &path,
+                       const std::function<void(const QString &path)> &aboutToRemove)
 {
     QStringList entries{path};
     if (isRealDirectory(path)) {
@@ -79,7 +85,7 @@ RemovedTree removeTree(const QString &path)
                 result.anyRemoved = true;
             continue;
         }
-        result.directories.append(entry);
+        aboutToRemove(entry);
         if (removeDirectory(entry))
             result.anyRemoved = true;
         else

@@ -6,13 +6,17 @@
 #include <QUrl>
 #include <Qt>
 
+#include <functional>
+
 namespace tul
 {
 
 /// The URL of a path of the model for other programs: it gives the same path back.
 QUrl fileUrl(const QString &path);
 
-/// The path of a dropped URL; empty when it is not that of a file.
+/// The path of a dropped URL without slashes at its end; empty when it is not that of an entry of a
+/// directory, but of a root, "." or "..", which stand for more than what was dragged. Otherwise
+/// as it is: cleaned, "link/../x" may be another file.
 QString urlPath(const QUrl &url);
 
 /// Whether anything is at a path, also a link whose target is missing.
@@ -27,12 +31,13 @@ bool removeDirectory(const QString &path);
 
 struct RemovedTree {
     bool anyRemoved = false;
-    QStringList directories; ///< all that were tried, `path` too if it is one
-    QStringList kept; ///< those of them that could not be removed
+    QStringList kept; ///< directories that could not be removed, `path` too if it is one
 };
 
-/// Removes a file, or a directory with what it holds. Links are removed, never followed.
-RemovedTree removeTree(const QString &path);
+/// Removes a file, or a directory with what it holds. Links are removed, never followed. Calls
+/// `aboutToRemove` with the path of each directory before it is tried.
+RemovedTree removeTree(const QString &path,
+                       const std::function<void(const QString &path)> &aboutToRemove);
 
 /// Copies, moves or links a file to a path where nothing is yet.
 bool dropFile(const QString &from, const QString &to, Qt::DropAction action);

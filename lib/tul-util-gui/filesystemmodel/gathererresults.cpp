@@ -3,6 +3,8 @@
 #include "fileoperations_p.h"
 #include "remotefilesystemmodel_p.h"
 
+#include <tul-util-gui/filesystemmodel/remotefileinfogatherer.h>
+
 #include <QElapsedTimer>
 #include <QPointer>
 
@@ -46,6 +48,7 @@ struct GathererResults::Changes {
     std::vector<FileNode *> removed; // among them such without rows
     std::vector<FileNode *> changed;
     std::vector<std::pair<FileNode *, QFileInfo>> replaced; // were directories with children
+    std::vector<FileNode *> relisted; // were listed before, and have changed since
     bool changesKind = false; // of some: a file has become a directory or the other way round
 };
 
@@ -96,7 +99,7 @@ void GathererResults::workSlice()
             if (whole.kind == Result::List)
                 applyList(whole.directory, whole.names);
             else if (whole.kind == Result::Loaded)
-                Q_EMIT m_model.q->directoryLoaded(whole.directory);
+                applyLoaded(whole.directory);
         }
         if (!guard)
             return;
@@ -112,11 +115,12 @@ void GathererResults::workSlice()
 void GathererResults::applyList(const QString &directory, const QStringList &names)
 {
     const FileTree::Keeper keeper(m_model.tree);
-    FileNode *const parent = m_model.tree.findPath(directory);
-    if (!parent || parent == m_model.tree.root() || !parent->directory)
+    FileNode *const parent = m_model.tree->findPath(directory);
+    if (!parent || parent == m_model.tree->root() || !parent->directory)
         return;
+    const bool isServed = !QFileInfo(directory).isNativePath();
     for (const QString &name : names) {
-        if (FileNode *const node = FileTree::find(parent, name)) {
+        if (FileNode *const node = FileTree::findFile(parent, name, isServed)) {
             node->isListed = true;
             node->isOwn = false;
         }
@@ -131,13 +135,22 @@ void GathererResults::applyList(const QString &directory, const QStringList &nam
         if (!mayExist || !tul::isTaken(RemoteFileSystemModelPrivate::requestPath(node)))
             missing.push_back(node);
     }
-    m_model.removeNodes(parent, missing);
+    static_cast<void>(m_model.removeNodes(parent, missing)); // nothing comes after
+}
+
+void GathererResults::applyLoaded(const QString &directory)
+{
+    // Its watch came with the listing, maybe after the model had left the directory.
+    const FileNode *const node = m_model.tree->findPath(directory);
+    if (!node || !node->populatedChildren)
+        m_model.gatherer->removePath(directory);
+    Q_EMIT m_model.q->directoryLoaded(directory);
 }
 
 void GathererResults::applyUpdates(Result &result, const QElapsedTimer &sliceTime)
 {
     const FileTree::Keeper keeper(m_model.tree);
-    FileNode *const parent = m_model.tree.findPath(result.directory);
+    FileNode *const parent = m_model.tree->findPath(result.directory);
     if (!parent) { // gone since it was asked for
         result.next = result.updates.size();
         return;
@@ -155,22 +168,22 @@ void GathererResults::applyUpdates(Result &result, const QElapsedTimer &sliceTim
             break;
     }
     const bool isPart = result.next < result.updates.size();
-    announce(parent, changes);
-    if (isPart && !parent->isRemoved)
+    if (announce(parent, changes) && isPart && !parent->isRemoved)
         m_model.sortAhead(parent);
 }
 
 void GathererResults::applyFile(FileNode *parent, const QString &reportedName,
                                 const QFileInfo &info, Changes &changes)
 {
-    const bool isTop = parent == m_model.tree.root();
+    const bool isTop = parent == m_model.tree->root();
     QString name = reportedName;
     if (isTop && name.size() > 1 && name.endsWith(QLatin1Char('/')))
         name.chop(1); // a drive is an element like others
-    if (name.isEmpty() || (!isTop && name.contains(QLatin1Char('/'))))
+    const bool isUnixRoot = isTop && name == QLatin1String("/");
+    if (name.isEmpty() || (!isUnixRoot && name.contains(QLatin1Char('/'))))
         return; // could not be found again by its path
 
-    FileNode *node = FileTree::find(parent, name);
+    FileNode *node = FileTree::findFile(parent, name, !info.isNativePath());
     if (!info.exists() && !info.isSymLink()) {
         if (node)
             changes.removed.push_back(node);
@@ -195,6 +208,8 @@ void GathererResults::updateNode(FileNode *node, const QFileInfo &info, Changes 
         = !isSame(RemoteExtendedInformation(node->info), RemoteExtendedInformation(info));
     if (node->isDirectory() != info.isDir())
         changes.changesKind = true;
+    if (isChanged && node->populatedChildren)
+        changes.relisted.push_back(node);
     if (isChanged)
         node->setInfo(info);
     else
@@ -208,21 +223,32 @@ void GathererResults::updateNode(FileNode *node, const QFileInfo &info, Changes 
         changes.changed.push_back(node);
 }
 
-void GathererResults::announce(FileNode *parent, Changes &changes)
+/// False when a receiver has deleted the model, and this object with it.
+bool GathererResults::announce(FileNode *parent, Changes &changes)
 {
     // A file has no rows: they go while it still passes for a directory.
     for (const auto &[node, info] : changes.replaced) {
-        m_model.removeNodes(node, FileTree::children(node));
-        node->populatedChildren = false;
+        if (!m_model.removeNodes(node, FileTree::children(node)))
+            return false;
         if (!node->isRemoved)
             updateNode(node, info, changes);
     }
-    if (!changes.removed.empty())
-        m_model.removeNodes(parent, changes.removed);
-    if (!changes.vanishing.empty())
-        m_model.hideNodes(parent, changes.vanishing);
-    if (!changes.changed.empty())
-        m_model.announceChanged(parent, changes.changed, changes.changesKind);
-    if (!changes.appearing.empty())
-        m_model.showNodes(parent, changes.appearing);
+    const bool isAlive = m_model.removeNodes(parent, changes.removed)
+        && m_model.hideNodes(parent, changes.vanishing)
+        && m_model.announceChanged(parent, changes.changed, changes.changesKind)
+        && m_model.showNodes(parent, changes.appearing);
+    if (!isAlive)
+        return false;
+    // It may be another one of the same name, of which the watch knows nothing.
+    for (FileNode *const node : changes.relisted) {
+        if (node->isRemoved)
+            continue;
+        if (node->isDirectory()) {
+            m_model.listAnew(node);
+        } else {
+            m_model.unwatch(node);
+            node->populatedChildren = false;
+        }
+    }
+    return true;
 }

@@ -51,10 +51,11 @@ private:
     void add(const Result &result);
     void workSlice();
     void applyList(const QString &directory, const QStringList &names);
+    void applyLoaded(const QString &directory);
     void applyUpdates(Result &result, const QElapsedTimer &sliceTime);
     void applyFile(FileNode *parent, const QString &name, const QFileInfo &info, Changes &changes);
     void updateNode(FileNode *node, const QFileInfo &info, Changes &changes);
-    void announce(FileNode *parent, Changes &changes);
+    bool announce(FileNode *parent, Changes &changes);
 
     RemoteFileSystemModelPrivate &m_model;
     std::deque<Result> m_results;

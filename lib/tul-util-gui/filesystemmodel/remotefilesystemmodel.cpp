@@ -63,9 +63,10 @@ RemoteFileInfoGathererHandler *RemoteFileSystemModel::remoteFileInfoGathererHand
 
 QModelIndex RemoteFileSystemModel::setRootPath(const QString &newPath)
 {
-    const QString path = newPath.isEmpty() ? newPath : QDir::cleanPath(newPath);
+    const QPointer<RemoteFileSystemModel> guard(this);
+    const QString path = tul::cleanPath(newPath);
     const QString oldPath = rootPath();
-    const auto currentRoot = [this] { return d->index(d->node(rootPath(), true)); };
+    const auto currentRoot = [this] { return indexOf(rootPath(), true); };
     d->hasRootPath = true;
     const bool showsDrives = path.isEmpty() || path == myComputer().toString();
     // QDir::exists() would make the engine ask anew what the caller has mostly just asked.
@@ -73,17 +74,19 @@ QModelIndex RemoteFileSystemModel::setRootPath(const QString &newPath)
         return currentRoot();
 
     if (!oldPath.isEmpty() && oldPath != QLatin1String(".")) {
-        d->gatherer->removePath(tul::requestPath(oldPath));
-        if (FileNode *const old = d->tree.findPath(oldPath))
+        const QString oldDirectory = d->rootDir.absolutePath();
+        d->gatherer->removePath(tul::requestPath(oldDirectory));
+        if (FileNode *const old = d->tree->findPath(oldDirectory))
             old->populatedChildren = false; // listed again, and watched, when it comes back
     }
     d->rootDir.setPath(showsDrives ? QString() : path);
-    FileNode *const root = showsDrives ? d->tree.root() : d->node(path, true);
-    const QPersistentModelIndex rootIndex = d->index(root);
-    d->listOnce(root);
+    const QPersistentModelIndex rootIndex = showsDrives ? QModelIndex() : indexOf(path, true);
+    if (!guard)
+        return {};
+    if (showsDrives || rootIndex.isValid())
+        fetchMore(rootIndex);
     d->forceSort = true;
     d->sortSoon();
-    const QPointer<RemoteFileSystemModel> guard(this);
     Q_EMIT rootPathChanged(path);
     return guard ? QModelIndex(rootIndex) : QModelIndex();
 }
@@ -104,19 +107,28 @@ QDir RemoteFileSystemModel::rootDirectory() const
 void RemoteFileSystemModel::refresh(const QModelIndex &directory)
 {
     FileNode *const node = d->node(directory);
-    if (node == d->tree.root() || node->isDirectory())
+    if (node == d->tree->root() || node->isDirectory())
         d->list(node);
 }
 
 QModelIndex RemoteFileSystemModel::index(const QString &path, int column) const
 {
-    return d->index(d->node(path, false), column);
+    return indexOf(path, false, column);
+}
+
+/// Shows also what is known and hidden by the filters, if `fetch` is set.
+QModelIndex RemoteFileSystemModel::indexOf(const QString &path, bool fetch, int column) const
+{
+    const FileNode *const node = d->node(path, fetch);
+    return node ? d->index(node, column) : QModelIndex(); // without a node, no model is left
 }
 
 QModelIndex RemoteFileSystemModel::index(int row, int column, const QModelIndex &parent) const
 {
     if (row < 0 || column < 0 || row >= rowCount(parent) || column >= columnCount(parent))
         return {};
+    // By design: rows are sorted by the timer alone. Sorting them here would move rows under
+    // whoever goes through them.
     return d->index(d->node(parent)->directory->visible[static_cast<std::size_t>(row)], column);
 }
 
@@ -149,7 +161,7 @@ QIcon RemoteFileSystemModel::fileIcon(const QModelIndex &index) const
 bool RemoteFileSystemModel::isDir(const QModelIndex &index) const
 {
     const FileNode *const node = d->node(index);
-    if (node == d->tree.root())
+    if (node == d->tree->root())
         return true;
     return node->hasInfo ? node->isDirectory()
                          : QFileInfo(RemoteFileSystemModelPrivate::requestPath(node)).isDir();
@@ -218,6 +230,7 @@ void RemoteFileSystemModel::setNameFilters(const QStringList &filters)
     if (d->filter.nameFilters() == filters)
         return;
     d->filter.setNameFilters(filters);
+    d->forgetBypasses();
     d->filterSoon();
 }
 
@@ -300,7 +313,7 @@ bool RemoteFileSystemModel::canFetchMore(const QModelIndex &parent) const
 
 void RemoteFileSystemModel::fetchMore(const QModelIndex &parent)
 {
-    if (canFetchMore(parent))
+    if (d->hasRootPath)
         d->listOnce(d->node(parent));
 }
 
@@ -351,7 +364,7 @@ bool RemoteFileSystemModel::setData(const QModelIndex &index, const QVariant &va
     const QString oldName = node->fileName;
     if (newName == oldName)
         return true;
-    const bool isTop = node->parent == d->tree.root(); // in no directory
+    const bool isTop = node->parent == d->tree->root(); // in no directory
     const QString parentPath = filePath(index.parent());
     if (isTop || newName.isEmpty() || newName.contains(QLatin1Char('/'))
         || !tul::renameFile(tul::requestPath(parentPath), oldName, newName)) {
@@ -363,7 +376,8 @@ bool RemoteFileSystemModel::setData(const QModelIndex &index, const QVariant &va
                                  QMessageBox::Ok);
         return false;
     }
-    d->adoptNewName(node, newName);
+    if (!d->adoptNewName(node, newName))
+        return true;
     d->sortSoon();
     Q_EMIT fileRenamed(parentPath, oldName, newName);
     return true;
@@ -454,6 +468,7 @@ bool RemoteFileSystemModel::dropMimeData(const QMimeData *data, Qt::DropAction a
     Q_UNUSED(column)
     if (!parent.isValid() || isReadOnly() || !data || !supportedDropActions().testFlag(action))
         return false;
+    const QPersistentModelIndex directory = parent;
     const QString target = tul::requestPath(filePath(parent)) + QLatin1Char('/');
     bool isComplete = true;
     const QList<QUrl> urls = data->urls();
@@ -462,9 +477,10 @@ bool RemoteFileSystemModel::dropMimeData(const QMimeData *data, Qt::DropAction a
         if (!tul::dropFile(source.filePath(), target + source.fileName(), action))
             isComplete = false;
         else if (action == Qt::MoveAction)
-            d->listPath(source.path());
+            d->listPath(tul::cleanPath(source.path()));
     }
-    refresh(parent);
+    if (directory.isValid())
+        refresh(directory);
     return isComplete;
 }
 
@@ -476,8 +492,13 @@ Qt::DropActions RemoteFileSystemModel::supportedDropActions() const
 bool RemoteFileSystemModel::event(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange) {
+        const QPointer<RemoteFileSystemModel> guard(this);
         d->forgetAppearances();
-        Q_EMIT headerDataChanged(Qt::Horizontal, 0, ColumnCount - 1);
+        d->filterSoon(); // the order by type is another one
+        if (d->announceTexts())
+            Q_EMIT headerDataChanged(Qt::Horizontal, 0, ColumnCount - 1);
+        if (!guard)
+            return true;
     }
     return QAbstractItemModel::event(event);
 }

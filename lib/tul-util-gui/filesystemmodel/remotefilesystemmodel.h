@@ -45,7 +45,9 @@ class RemoteFileSystemModelPrivate;
 ///
 /// *By design*: filePath() of what lies below "/" begins with two slashes, as in "//usr/lib"; with
 /// the prefix "remote:" the root of the remote machine is "remote:". Links are not resolved. A
-/// prefix has at least two characters before its colon and no "/".
+/// prefix has at least two characters before its colon and no "/"; ".." does not lead above it. A
+/// slot may delete the model, unless the signal announces a change of rows ahead: there,
+/// deleteLater() is the way.
 class TUL_UTIL_GUI_EXPORT RemoteFileSystemModel : public QAbstractItemModel
 {
     Q_OBJECT
@@ -55,6 +57,7 @@ class TUL_UTIL_GUI_EXPORT RemoteFileSystemModel : public QAbstractItemModel
 
 public:
     enum Column { NameColumn, SizeColumn, TypeColumn, DateColumn, ColumnCount };
+    Q_ENUM(Column)
 
     enum Roles {
         FileIconRole = Qt::DecorationRole,
@@ -62,6 +65,7 @@ public:
         FileNameRole = Qt::UserRole + 2, ///< fileName()
         FilePermissions = Qt::UserRole + 3 ///< permissions() as an integer
     };
+    Q_ENUM(Roles)
 
     explicit RemoteFileSystemModel(QObject *parent = nullptr);
     ~RemoteFileSystemModel() override;
@@ -204,6 +208,9 @@ private Q_SLOTS:
 
 private:
     friend class RemoteFileSystemModelPrivate;
+    friend class RemoteUrlModel; // shows its places also where the filters hide them
+
+    QModelIndex indexOf(const QString &path, bool fetch, int column = 0) const;
 
     const std::unique_ptr<RemoteFileSystemModelPrivate> d;
 };

@@ -10,8 +10,10 @@
 #include <QDateTime>
 #include <QFileIconProvider>
 #include <QLocale>
+#include <QPointer>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace
@@ -24,6 +26,12 @@ struct Range {
     int first;
     int last;
 };
+
+/// Whether a node is an entry of a directory, and not the root or one of the dots.
+bool isEntry(const FileNode *node)
+{
+    return node->parent && !tul::isDots(node->fileName);
+}
 
 /// The rows of the nodes that have one, neighbours together, in ascending order.
 std::vector<Range> rangesOf(const std::vector<FileNode *> &nodes)
@@ -43,6 +51,24 @@ std::vector<Range> rangesOf(const std::vector<FileNode *> &nodes)
             ranges.push_back({row, row});
     }
     return ranges;
+}
+
+/// Takes the last run of neighbours out of the nodes, and those without a row.
+std::optional<Range> takeLastRange(std::vector<FileNode *> &nodes)
+{
+    const auto isHidden = [](const FileNode *node) { return !node->isVisible(); };
+    nodes.erase(std::remove_if(nodes.begin(), nodes.end(), isHidden), nodes.end());
+    if (nodes.empty())
+        return std::nullopt;
+    const auto byRow = [](const FileNode *a, const FileNode *b) { return a->row < b->row; };
+    if (!std::is_sorted(nodes.begin(), nodes.end(), byRow))
+        std::sort(nodes.begin(), nodes.end(), byRow);
+    Range range{nodes.back()->row, nodes.back()->row};
+    while (!nodes.empty() && nodes.back()->row >= range.first - 1) {
+        range.first = nodes.back()->row;
+        nodes.pop_back();
+    }
+    return range;
 }
 
 } // namespace
@@ -75,18 +101,20 @@ RemoteFileInfoGatherer *RemoteFileSystemModelPrivate::makeGatherer() const
 FileNode *RemoteFileSystemModelPrivate::node(const QModelIndex &index) const
 {
     if (!index.isValid() || index.model() != q)
-        return tree.root();
+        return tree->root();
     return static_cast<FileNode *>(index.internalPointer());
 }
 
 FileNode *RemoteFileSystemModelPrivate::node(const QString &path, bool fetch)
 {
-    FileNode *const root = tree.root();
+    FileNode *const root = tree->root();
     if (path.isEmpty() || path == q->myComputer().toString() || path.startsWith(QLatin1Char(':')))
         return root;
-    const QString absolutePath
-        = path == rootDir.path() ? rootDir.absolutePath() : QDir(path).absolutePath();
+    // Cleaned before: ".." above the root of a remote machine would lead to this one.
+    const QString absolutePath = path == rootDir.path() ? rootDir.absolutePath()
+                                                        : QDir(tul::cleanPath(path)).absolutePath();
     const FileTree::Keeper keeper(tree);
+    const QPointer<RemoteFileSystemModel> guard(q);
     FileNode *found = root;
     QString elementPath;
     bool isKnown = false; // that the path exists
@@ -102,6 +130,8 @@ FileNode *RemoteFileSystemModelPrivate::node(const QString &path, bool fetch)
             isKnown = true;
         }
         found = child(found, elements.at(i), elementPath, fetch);
+        if (!guard)
+            return nullptr;
         if (!found)
             return root;
     }
@@ -124,8 +154,7 @@ FileNode *RemoteFileSystemModelPrivate::child(FileNode *parent, const QString &n
         return nullptr;
     }
     found->bypassesFilters = true;
-    showNodes(parent, {found});
-    return found->isRemoved ? nullptr : found;
+    return showNodes(parent, {found}) && !found->isRemoved ? found : nullptr;
 }
 
 QModelIndex RemoteFileSystemModelPrivate::index(const FileNode *node, int column) const
@@ -215,12 +244,22 @@ void RemoteFileSystemModelPrivate::listOnce(FileNode *node)
 
 void RemoteFileSystemModelPrivate::listPath(const QString &path)
 {
-    FileNode *const node = tree.findPath(path);
+    FileNode *const node = tree->findPath(path);
     if (node && node->populatedChildren)
         list(node);
 }
 
-void RemoteFileSystemModelPrivate::showNodes(FileNode *parent, const Nodes &nodes)
+void RemoteFileSystemModelPrivate::listAnew(FileNode *node)
+{
+    if (node->populatedChildren) {
+        gatherer->removePath(requestPath(node));
+        list(node);
+    }
+    for (FileNode *const child : FileTree::children(node))
+        listAnew(child);
+}
+
+bool RemoteFileSystemModelPrivate::showNodes(FileNode *parent, const Nodes &nodes)
 {
     // What the gatherer reports may name a file twice.
     Nodes fresh;
@@ -232,25 +271,28 @@ void RemoteFileSystemModelPrivate::showNodes(FileNode *parent, const Nodes &node
     for (FileNode *const node : fresh)
         node->isListed = false;
     if (fresh.empty() || parent->isRemoved)
-        return;
-    if (!tree.isShown(parent)) {
-        tree.appendRows(parent, fresh);
+        return true;
+    if (!tree->isShown(parent)) {
+        tree->appendRows(parent, fresh);
     } else {
         const auto first
             = parent->directory ? static_cast<int>(parent->directory->visible.size()) : 0;
+        const QPointer<RemoteFileSystemModel> guard(q);
         q->beginInsertRows(index(parent), first, first + static_cast<int>(fresh.size()) - 1);
-        tree.appendRows(parent, fresh);
+        tree->appendRows(parent, fresh);
         q->endInsertRows();
+        if (!guard)
+            return false;
     }
     sortSoon();
+    return true;
 }
 
-void RemoteFileSystemModelPrivate::hideNodes(FileNode *parent, const Nodes &nodes)
+bool RemoteFileSystemModelPrivate::hideNodes(FileNode *parent, const Nodes &nodes)
 {
     const std::vector<Range> ranges = rangesOf(nodes);
-    const bool isShown = tree.isShown(parent);
-    if (isShown && ranges.size() > mostRanges) {
-        changeLayout(QAbstractItemModel::NoLayoutChangeHint, [&] {
+    if (ranges.size() > mostRanges && tree->isShown(parent)) {
+        return changeLayout(QAbstractItemModel::NoLayoutChangeHint, [&] {
             for (FileNode *const node : nodes)
                 node->row = -1;
             Nodes rows;
@@ -263,31 +305,38 @@ void RemoteFileSystemModelPrivate::hideNodes(FileNode *parent, const Nodes &node
             int &dirty = parent->directory->dirtyChildrenIndex;
             dirty = std::min(dirty, ranges.front().first);
         });
-        return;
     }
-    for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
+    // One range at a time: the receivers may sort the rows that are left, or hide them.
+    const FileTree::Keeper keeper(tree);
+    const QPointer<RemoteFileSystemModel> guard(q);
+    Nodes left = nodes;
+    while (const std::optional<Range> range = takeLastRange(left)) {
+        const bool isShown = tree->isShown(parent);
         if (isShown)
             q->beginRemoveRows(index(parent), range->first, range->last);
         FileTree::removeRows(parent, range->first, range->last);
         if (isShown)
             q->endRemoveRows();
+        if (!guard)
+            return false;
     }
+    return true;
 }
 
-void RemoteFileSystemModelPrivate::removeNodes(FileNode *parent, const Nodes &nodes)
+bool RemoteFileSystemModelPrivate::removeNodes(FileNode *parent, const Nodes &nodes)
 {
     const FileTree::Keeper keeper(tree);
-    hideNodes(parent, nodes);
+    if (!hideNodes(parent, nodes))
+        return false;
     for (FileNode *const node : nodes) {
-        if (node->isRemoved)
+        if (node->isRemoved || node->isVisible()) // a receiver has brought it back
             continue;
         unwatch(node);
-        tree.remove(node);
+        tree->remove(node);
     }
+    return true;
 }
 
-/// For a directory and all below it. Of one that was moved away the watch would stay, and keep from
-/// being watched what comes to its path later.
 void RemoteFileSystemModelPrivate::unwatch(const FileNode *node)
 {
     if (node->populatedChildren)
@@ -298,25 +347,48 @@ void RemoteFileSystemModelPrivate::unwatch(const FileNode *node)
         unwatch(child);
 }
 
-void RemoteFileSystemModelPrivate::announceChanged(FileNode *parent, const Nodes &nodes,
+bool RemoteFileSystemModelPrivate::announceChanged(FileNode *parent, const Nodes &nodes,
                                                    bool changesKind)
 {
     const std::vector<Range> ranges = rangesOf(nodes);
     if (ranges.empty() || parent->isRemoved)
-        return;
+        return true;
     if (sortColumn != RemoteFileSystemModel::NameColumn || changesKind) {
-        tree.markDirty(parent, ranges.front().first);
+        tree->markDirty(parent, ranges.front().first);
         parent->directory->sorted = {};
         sortSoon();
     }
+    const FileTree::Keeper keeper(tree);
+    const QPointer<RemoteFileSystemModel> guard(q);
     for (const Range &range : ranges) {
-        if (!tree.isShown(parent))
-            return;
+        if (!tree->isShown(parent))
+            return true;
         const QModelIndex parentIndex = index(parent);
         Q_EMIT q->dataChanged(
             q->index(range.first, 0, parentIndex),
             q->index(range.last, RemoteFileSystemModel::ColumnCount - 1, parentIndex));
+        if (!guard)
+            return false;
     }
+    return true;
+}
+
+/// For cells whose text is in another language now.
+bool RemoteFileSystemModelPrivate::announceTexts()
+{
+    const FileTree::Keeper keeper(tree);
+    const QPointer<RemoteFileSystemModel> guard(q);
+    for (FileNode *const node : directories()) {
+        const auto rows = static_cast<int>(node->directory->visible.size());
+        if (rows == 0 || !tree->isShown(node))
+            continue;
+        const QModelIndex parent = index(node);
+        Q_EMIT q->dataChanged(q->index(0, RemoteFileSystemModel::SizeColumn, parent),
+                              q->index(rows - 1, RemoteFileSystemModel::TypeColumn, parent));
+        if (!guard)
+            return false;
+    }
+    return true;
 }
 
 void RemoteFileSystemModelPrivate::filterSoon()
@@ -326,10 +398,28 @@ void RemoteFileSystemModelPrivate::filterSoon()
     sortSoon();
 }
 
+/// Lets the filters decide again on what was asked for by its path, except for the root and for
+/// directories that somebody holds on to, with what leads to them.
+void RemoteFileSystemModelPrivate::forgetBypasses()
+{
+    for (const FileNode *const directory : directories()) {
+        for (FileNode *const child : directory->directory->children)
+            child->bypassesFilters = false;
+    }
+    const auto keep = [](FileNode *node) {
+        for (; node; node = node->parent)
+            node->bypassesFilters = node->bypassesFilters || node->isDirectory();
+    };
+    keep(tree->findPath(rootDir.path().isEmpty() ? QString() : rootDir.absolutePath()));
+    const QModelIndexList held = q->persistentIndexList();
+    for (const QModelIndex &index : held)
+        keep(node(index));
+}
+
 void RemoteFileSystemModelPrivate::sortSoon()
 {
     // Rows that still arrive are sorted when all are there.
-    const bool isNeeded = forceSort || tree.hasDirty();
+    const bool isNeeded = forceSort || tree->hasDirty();
     if (isNeeded && results.isEmpty() && !delayedSortTimer.isActive())
         delayedSortTimer.start(0);
 }
@@ -349,7 +439,7 @@ void RemoteFileSystemModelPrivate::sortNow()
         return;
     }
     const bool all = std::exchange(forceSort, false);
-    const Nodes dirty = tree.takeDirty();
+    const Nodes dirty = tree->takeDirty();
     sortDirectories(all ? directories() : dirty, all);
 }
 
@@ -386,7 +476,7 @@ void RemoteFileSystemModelPrivate::sortAll()
             FileTree::setRows(node, order.inOrder(*node->directory, true));
             node->directory->dirtyChildrenIndex = -1;
         }
-        tree.takeDirty();
+        tree->takeDirty();
         forceSort = false;
         mustFilter = false;
     });
@@ -401,8 +491,8 @@ NodeSorter RemoteFileSystemModelPrivate::sorter()
 RemoteFileSystemModelPrivate::Nodes RemoteFileSystemModelPrivate::directories() const
 {
     Nodes found;
-    if (tree.root()->directory)
-        found.push_back(tree.root());
+    if (tree->root()->directory)
+        found.push_back(tree->root());
     for (std::size_t i = 0; i < found.size(); ++i) {
         for (FileNode *const child : found[i]->directory->children) {
             if (child->directory)
@@ -428,21 +518,26 @@ RemoteFileSystemModelPrivate::acceptedRows(const FileNode *directory) const
     return rows;
 }
 
-/// Announces a change of many rows, after which persistent indexes are where their files are.
-void RemoteFileSystemModelPrivate::changeLayout(QAbstractItemModel::LayoutChangeHint hint,
+/// Announces a change of many rows, after which persistent indexes are where their files are. False
+/// when a receiver has deleted the model.
+bool RemoteFileSystemModelPrivate::changeLayout(QAbstractItemModel::LayoutChangeHint hint,
                                                 const std::function<void()> &change)
 {
+    const QPointer<RemoteFileSystemModel> guard(q);
     Q_EMIT q->layoutAboutToBeChanged({}, hint);
+    if (!guard)
+        return false;
     change();
     const QModelIndexList before = q->persistentIndexList();
     QModelIndexList now;
     now.reserve(before.size());
     for (const QModelIndex &old : before) {
         const FileNode *const node = this->node(old);
-        now.append(tree.isShown(node) ? index(node, old.column()) : QModelIndex());
+        now.append(tree->isShown(node) ? index(node, old.column()) : QModelIndex());
     }
     q->changePersistentIndexList(before, now);
     Q_EMIT q->layoutChanged({}, hint);
+    return guard;
 }
 
 QModelIndex RemoteFileSystemModelPrivate::makeDirectory(FileNode *parent, const QString &name)
@@ -454,17 +549,20 @@ QModelIndex RemoteFileSystemModelPrivate::makeDirectory(FileNode *parent, const 
     const QString path = dir.absolutePath() + QLatin1Char('/') + name;
     if (name.contains(QLatin1Char('/')))
         return q->index(path);
-    FileNode *made = FileTree::find(parent, name);
+    const QFileInfo info(path);
+    FileNode *made = FileTree::findFile(parent, name, !info.isNativePath());
     if (!made)
-        made = FileTree::add(parent, name, QFileInfo(path));
-    adopt(made, QFileInfo(path));
-    showNodes(parent, {made});
+        made = FileTree::add(parent, name, info);
+    made->bypassesFilters = true;
+    if (!adopt(made, info) || !showNodes(parent, {made}))
+        return {};
     return made->isRemoved ? QModelIndex() : index(made);
 }
 
 bool RemoteFileSystemModelPrivate::removeDirectory(const FileNode *node)
 {
-    if (!node->parent || !node->parent->parent)
+    const FileTree::Keeper keeper(tree);
+    if (!isEntry(node) || !node->parent->parent)
         return false; // a drive or the root of a machine
     const QString path = requestPath(node);
     gatherer->removePath(path);
@@ -478,15 +576,14 @@ bool RemoteFileSystemModelPrivate::removeDirectory(const FileNode *node)
 
 bool RemoteFileSystemModelPrivate::removeTree(const FileNode *node)
 {
-    const bool isDots
-        = node->fileName == QLatin1String(".") || node->fileName == QLatin1String("..");
-    if (!node->parent || isDots)
-        return false; // the directory that is shown, or more, and not an entry of it
+    const FileTree::Keeper keeper(tree);
+    if (!isEntry(node))
+        return false; // the directory that is shown, or more
     const QString path = requestPath(node);
     gatherer->removePath(path);
-    const tul::RemovedTree removed = tul::removeTree(path);
-    for (const QString &directory : removed.directories)
-        gatherer->removePath(directory);
+    // Not after: the watch would report each directory as it goes.
+    const tul::RemovedTree removed = tul::removeTree(
+        path, [this](const QString &directory) { gatherer->removePath(directory); });
     // Whatever could not be removed has changed all the same, and is not watched any more.
     for (const QString &directory : removed.kept)
         listPath(directory);
@@ -496,34 +593,39 @@ bool RemoteFileSystemModelPrivate::removeTree(const FileNode *node)
 }
 
 /// Puts a node that was renamed on disk under its new name.
-void RemoteFileSystemModelPrivate::adoptNewName(FileNode *node, const QString &newName)
+bool RemoteFileSystemModelPrivate::adoptNewName(FileNode *node, const QString &newName)
 {
     const FileTree::Keeper keeper(tree);
     FileNode *const parent = node->parent;
+    const QFileInfo info(QDir(requestPath(parent)), newName);
     gatherer->removePath(requestPath(node));
     // One that was there before is gone from the disk, but its listing has not come yet.
-    FileNode *const stale = FileTree::find(parent, newName);
-    if (stale && stale != node)
-        removeNodes(parent, {stale});
+    FileNode *const stale = FileTree::findFile(parent, newName, !info.isNativePath());
+    if (stale && stale != node && !removeNodes(parent, {stale}))
+        return false;
     // What is below has other paths now.
-    removeNodes(node, FileTree::children(node));
+    if (!removeNodes(node, FileTree::children(node)))
+        return false;
     if (node->isRemoved)
-        return;
+        return true;
     FileTree::rename(node, newName);
-    adopt(node, QFileInfo(QDir(requestPath(parent)), newName));
+    if (!adopt(node, info))
+        return false;
     if (!parent->isRemoved)
         list(parent); // a listing under way may bring the old name
+    return true;
 }
 
 /// Makes a node that of a file or directory which the model itself has put on the disk.
-void RemoteFileSystemModelPrivate::adopt(FileNode *node, const QFileInfo &info)
+bool RemoteFileSystemModelPrivate::adopt(FileNode *node, const QFileInfo &info)
 {
-    removeNodes(node, FileTree::children(node)); // of one that was there before
+    if (!removeNodes(node, FileTree::children(node))) // of one that was there before
+        return false;
     node->setInfo(info);
     node->isOwn = true;
     if (node->isRemoved)
-        return;
+        return true;
     if (std::exchange(node->populatedChildren, false))
         list(node);
-    announceChanged(node->parent, {node}, true);
+    return announceChanged(node->parent, {node}, true);
 }

@@ -32,7 +32,8 @@ public:
     FileNode *node(const QModelIndex &index) const;
 
     /// The node of a path. Makes nodes for elements that exist on disk and shows them. The root for
-    /// what does not exist, and for what the filters hide unless `fetch` is set.
+    /// what does not exist, and for what the filters hide unless `fetch` is set. Null when a
+    /// receiver of the signals has deleted the model.
     FileNode *node(const QString &path, bool fetch);
 
     /// Invalid for the root and for what has no row.
@@ -57,15 +58,26 @@ public:
     /// Lists a directory again, if it is in the tree and was listed before.
     void listPath(const QString &path);
 
-    // All nodes are children of the parent. Receivers of the signals may change the tree: whoever
-    // goes on using nodes holds a FileTree::Keeper.
-    void showNodes(FileNode *parent, const Nodes &nodes);
-    void hideNodes(FileNode *parent, const Nodes &nodes);
-    void removeNodes(FileNode *parent, const Nodes &nodes);
-    void announceChanged(FileNode *parent, const Nodes &nodes, bool changesKind);
+    /// Lists a directory again that may be another one of the same name now, and all below it that
+    /// were listed before.
+    void listAnew(FileNode *node);
+
+    /// Stops watching a directory and all below it. Of one that was moved away the watch would
+    /// stay, and keep from being watched what comes to its path later.
+    void unwatch(const FileNode *node);
+
+    // All nodes are children of the parent. Receivers of the signals may change the tree, or delete
+    // the model: whoever goes on using nodes holds a FileTree::Keeper, and when the answer is false
+    // there is no model any more, and nothing of this object.
+    [[nodiscard]] bool showNodes(FileNode *parent, const Nodes &nodes);
+    [[nodiscard]] bool hideNodes(FileNode *parent, const Nodes &nodes);
+    [[nodiscard]] bool removeNodes(FileNode *parent, const Nodes &nodes);
+    [[nodiscard]] bool announceChanged(FileNode *parent, const Nodes &nodes, bool changesKind);
+    [[nodiscard]] bool announceTexts();
 
     /// Arranges for filtering anew and for sorting.
     void filterSoon();
+    void forgetBypasses();
     void sortSoon();
     void sortAhead(FileNode *parent);
     void sortNow();
@@ -75,11 +87,11 @@ public:
     QModelIndex makeDirectory(FileNode *parent, const QString &name);
     bool removeDirectory(const FileNode *node);
     bool removeTree(const FileNode *node);
-    void adoptNewName(FileNode *node, const QString &newName);
-    void adopt(FileNode *node, const QFileInfo &info);
+    [[nodiscard]] bool adoptNewName(FileNode *node, const QString &newName);
+    [[nodiscard]] bool adopt(FileNode *node, const QFileInfo &info);
 
     RemoteFileSystemModel *const q;
-    FileTree tree;
+    const std::shared_ptr<FileTree> tree = std::make_shared<FileTree>();
     RemoteFileInfoGatherer *const gatherer;
     FileAppearance appearance;
     NodeFilter filter;
@@ -97,11 +109,10 @@ public:
 private:
     RemoteFileInfoGatherer *makeGatherer() const;
     FileNode *child(FileNode *parent, const QString &name, const QString &path, bool fetch);
-    void unwatch(const FileNode *node);
     NodeSorter sorter();
     Nodes directories() const;
     Nodes acceptedRows(const FileNode *directory) const;
     void sortDirectories(const Nodes &nodes, bool all);
-    void changeLayout(QAbstractItemModel::LayoutChangeHint hint,
+    bool changeLayout(QAbstractItemModel::LayoutChangeHint hint,
                       const std::function<void()> &change);
 };
