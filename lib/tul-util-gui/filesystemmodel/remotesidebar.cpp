@@ -64,8 +64,7 @@ void RemoteSidebar::selectUrl(const QUrl &url)
     if (!selectionModel())
         return;
     const QScopedValueRollback<bool> quiet(m_quiet, true);
-    const int row = urls().indexOf(url);
-    const QModelIndex place = row < 0 ? QModelIndex() : m_urlModel->index(row, 0);
+    const QModelIndex place = m_urlModel->index(m_urlModel->rowOf(url), 0); // invalid for -1
     selectionModel()->setCurrentIndex(place, QItemSelectionModel::ClearAndSelect);
 }
 
@@ -110,6 +109,15 @@ void RemoteSidebar::focusInEvent(QFocusEvent *event)
     viewport()->update();
 }
 
+void RemoteSidebar::keyPressEvent(QKeyEvent *event)
+{
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isEnter && currentIndex().isValid())
+        clicked(currentIndex()); // the event ends here: in a dialog it would press a button as well
+    else
+        QListView::keyPressEvent(event);
+}
+
 void RemoteSidebar::mousePressEvent(QMouseEvent *event)
 {
     // The click goes there; a drag or a context menu does not.
@@ -135,11 +143,15 @@ void RemoteSidebar::showContextMenu(const QPoint &position)
     const QModelIndex place = indexAt(position);
     if (!place.isValid())
         return;
+    // Both go with the side bar if it is deleted while the menu is open.
     const QPointer<QAction> remove
         = new QAction(QCoreApplication::translate("RemoteFileDialogBase", "Remove"), this);
     remove->setEnabled(!place.data(RemoteUrlModel::UrlRole).toUrl().path().isEmpty());
     connect(remove, &QAction::triggered, this, &RemoteSidebar::removeEntry);
-    QMenu::exec({remove}, mapToGlobal(position), nullptr, this);
+    const QPointer<QMenu> menu = new QMenu(this);
+    menu->addAction(remove);
+    menu->exec(viewport()->mapToGlobal(position));
+    delete menu;
     delete remove;
 }
 

@@ -43,14 +43,15 @@ public:
     /// Adds places as RemoteUrlModel::addUrls() does.
     void addUrls(const QList<QUrl> &urls, int row = -1);
 
-    /// Selects the place that has this URL, or none, without going there.
+    /// Selects the place of this URL, whatever slashes its path is written with, or none, without
+    /// going there. The empty URL stands for "My Computer".
     void selectUrl(const QUrl &url);
 
     QSize sizeHint() const override;
 
 Q_SIGNALS:
-    /// Emitted when a place is clicked, or becomes the current one by the keyboard or by a call. An
-    /// empty path stands for the level of the drives.
+    /// Emitted when a place is clicked, becomes the current one by the keyboard or by a call, or is
+    /// the current one when Enter is pressed. An empty path stands for the level of the drives.
     void goToUrl(const QUrl &url);
 
 protected:
@@ -59,6 +60,7 @@ protected:
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
 
 private Q_SLOTS:

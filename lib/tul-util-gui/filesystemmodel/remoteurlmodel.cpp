@@ -2,7 +2,6 @@
 #include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
 #include <tul-util-gui/filesystemmodel/remoteurlmodel.h>
 
-#include <QDir>
 #include <QDragEnterEvent>
 #include <QFileIconProvider>
 #include <QFileInfo>
@@ -20,11 +19,12 @@ constexpr int smallestIcon = 32;
 /// the host "usr" and no path, so the URL's own path does not do.
 QString pathOf(const QUrl &url)
 {
-    const QString path = url.toLocalFile();
-    const QString clean = QDir::cleanPath(path);
-    // Cleaning "remote:/.." leads to this machine.
-    const QString root = path.left(path.indexOf(QLatin1Char('/')));
-    return clean.startsWith(root) ? clean : path;
+    return tul::cleanPath(url.toLocalFile());
+}
+
+bool isSamePath(const QString &a, const QString &b)
+{
+    return a.compare(b, tul::nativeCaseSensitivity()) == 0;
 }
 
 QUrl placeOf(const QUrl &url)
@@ -52,9 +52,11 @@ QIcon atLeastSmallest(QIcon icon)
 RemoteUrlModel::RemoteUrlModel(QObject *parent)
     : QStandardItemModel(parent)
 {
-    m_refreshTimer.setSingleShot(true);
-    m_refreshTimer.setInterval(0);
-    connect(&m_refreshTimer, &QTimer::timeout, this, &RemoteUrlModel::refresh);
+    // Not at once: looking a place up may insert rows, while others who listen to the same signal
+    // have not seen it yet.
+    m_followTimer.setSingleShot(true);
+    m_followTimer.setInterval(0);
+    connect(&m_followTimer, &QTimer::timeout, this, &RemoteUrlModel::follow);
 }
 
 RemoteFileSystemModel *RemoteUrlModel::fileSystemModel() const
@@ -69,7 +71,7 @@ void RemoteUrlModel::setFileSystemModel(RemoteFileSystemModel *model)
     if (m_fileSystemModel)
         m_fileSystemModel->disconnect(this);
     m_fileSystemModel = model;
-    m_found.clear();
+    m_places.clear();
     if (!model)
         return;
     connect(model, &QAbstractItemModel::dataChanged, this, &RemoteUrlModel::dataChanged);
@@ -98,9 +100,9 @@ QList<QUrl> RemoteUrlModel::urls() const
 
 void RemoteUrlModel::setUrls(const QList<QUrl> &urls)
 {
+    if (!m_fileSystemModel)
+        return;
     removeRows(0, rowCount());
-    m_found.clear();
-    m_invalidUrls.clear();
     addUrls(urls, 0);
 }
 
@@ -130,8 +132,11 @@ void RemoteUrlModel::setUrl(const QModelIndex &index, const QUrl &url, const QMo
     if (!m_fileSystemModel || !index.isValid())
         return;
     const QPersistentModelIndex place(index);
-    setData(index, url, UrlRole);
+    forget(place);
+    setData(place, url, UrlRole);
     if (url.path().isEmpty()) {
+        setData(place, QVariant(), EnabledRole);
+        setData(place, QVariant(), Qt::ToolTipRole);
         show(place, m_fileSystemModel->myComputer().toString(),
              m_fileSystemModel->myComputer(Qt::DecorationRole).value<QIcon>());
         return;
@@ -151,23 +156,18 @@ void RemoteUrlModel::setUrl(const QModelIndex &index, const QUrl &url, const QMo
         if (QFileIconProvider *const provider = m_fileSystemModel->iconProvider())
             icon = provider->icon(QFileIconProvider::Folder);
     }
-    note(place, url, dirIndex);
+    m_places.append({place, dirIndex, pathOf(url), dirIndex.isValid(), false});
     setData(place, dirIndex.isValid(), EnabledRole);
     setData(place, url.toLocalFile(), Qt::ToolTipRole);
     show(place, text, atLeastSmallest(icon));
 }
 
-/// Remembers where a place was found, or that it was not.
-void RemoteUrlModel::note(const QModelIndex &place, const QUrl &url, const QModelIndex &directory)
+/// Forgets what was found for a row, and for rows that are gone.
+void RemoteUrlModel::forget(const QModelIndex &index)
 {
-    const auto outdated
-        = [&](const Found &found) { return !found.place.isValid() || found.place == place; };
-    m_found.erase(std::remove_if(m_found.begin(), m_found.end(), outdated), m_found.end());
-    m_invalidUrls.removeAll(url);
-    if (directory.isValid())
-        m_found.append({place, directory});
-    else
-        m_invalidUrls.append(url);
+    const auto isOutdated
+        = [&](const Place &place) { return !place.index.isValid() || place.index == index; };
+    m_places.erase(std::remove_if(m_places.begin(), m_places.end(), isOutdated), m_places.end());
 }
 
 void RemoteUrlModel::show(const QModelIndex &place, const QString &text, const QIcon &icon)
@@ -180,15 +180,16 @@ void RemoteUrlModel::show(const QModelIndex &place, const QString &text, const Q
 
 QModelIndex RemoteUrlModel::directoryOf(const QUrl &url) const
 {
-    return m_fileSystemModel->index(pathOf(url));
+    return m_fileSystemModel->indexOf(pathOf(url), true);
 }
 
 int RemoteUrlModel::rowOf(const QUrl &url) const
 {
+    if (!url.isEmpty() && !isFileUrl(url))
+        return -1;
     const QString path = pathOf(url);
     for (int row = 0; row < rowCount(); ++row) {
-        if (pathOf(index(row, 0).data(UrlRole).toUrl()).compare(path, tul::nativeCaseSensitivity())
-            == 0)
+        if (isSamePath(pathOf(index(row, 0).data(UrlRole).toUrl()), path))
             return row;
     }
     return -1;
@@ -206,38 +207,77 @@ void RemoteUrlModel::refresh()
 
 void RemoteUrlModel::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight)
 {
-    const QVector<Found> found = m_found; // setUrl() writes a new one
-    for (const Found &each : found) {
-        const QModelIndex directory = each.directory;
-        if (each.place.isValid() && directory.isValid() && directory.parent() == topLeft.parent()
-            && directory.row() >= topLeft.row() && directory.row() <= bottomRight.row())
-            setUrl(each.place, each.place.data(UrlRole).toUrl(), directory);
+    const QModelIndex parent = topLeft.parent();
+    const QVector<Place> places = m_places; // setUrl() writes new ones
+    for (const Place &place : places) {
+        const QModelIndex directory = place.directory;
+        if (place.index.isValid() && directory.isValid() && directory.parent() == parent
+            && directory.row() >= topLeft.row() && directory.row() <= bottomRight.row()
+            && !isLost(place))
+            setUrl(place.index, place.index.data(UrlRole).toUrl(), directory);
     }
+    directoriesRemoved(); // one that was renamed
+    directoriesInserted(parent, topLeft.row(), bottomRight.row());
 }
 
 void RemoteUrlModel::layoutChanged()
 {
-    // Not at once: looking a place up may insert rows, while others who listen to the same signal
-    // have not seen it yet.
-    m_refreshTimer.start();
+    m_followTimer.start();
 }
 
-/// Looks again when the new rows may be a missing place, or lead to one.
-void RemoteUrlModel::directoriesInserted(const QModelIndex &parent)
+/// Takes a missing place for one that may be there when the next element of its path has come.
+void RemoteUrlModel::directoriesInserted(const QModelIndex &parent, int first, int last)
 {
-    const QString above = QDir::cleanPath(m_fileSystemModel->filePath(parent));
-    const auto below = [&](const QUrl &url) {
-        return pathOf(url).startsWith(above, tul::nativeCaseSensitivity());
-    };
-    if (std::any_of(m_invalidUrls.cbegin(), m_invalidUrls.cend(), below))
-        m_refreshTimer.start();
+    const QStringList above = tul::splitPath(tul::cleanPath(m_fileSystemModel->filePath(parent)));
+    for (Place &place : m_places) {
+        const QStringList elements = tul::splitPath(place.path);
+        if (place.wasFound || elements.size() <= above.size()
+            || !isSamePath(tul::joinElements(elements.mid(0, above.size())),
+                           tul::joinElements(above)))
+            continue;
+        for (int row = first; row <= last && !place.mayHaveCome; ++row) {
+            const QModelIndex come = m_fileSystemModel->index(row, 0, parent);
+            place.mayHaveCome
+                = isSamePath(m_fileSystemModel->fileName(come), elements.at(above.size()));
+        }
+        if (place.mayHaveCome)
+            m_followTimer.start();
+    }
 }
 
 void RemoteUrlModel::directoriesRemoved()
 {
-    const auto gone = [](const Found &found) { return !found.directory.isValid(); };
-    if (std::any_of(m_found.cbegin(), m_found.cend(), gone))
-        m_refreshTimer.start();
+    if (std::any_of(m_places.cbegin(), m_places.cend(),
+                    [this](const Place &place) { return isLost(place); }))
+        m_followTimer.start();
+}
+
+/// Whether the directory of a place is gone, or has another path now.
+bool RemoteUrlModel::isLost(const Place &place) const
+{
+    if (!place.wasFound || !place.directory.isValid())
+        return place.wasFound;
+    return !isSamePath(tul::cleanPath(m_fileSystemModel->filePath(place.directory)), place.path);
+}
+
+/// Reads the places again, and looks up on the disk only those that were lost or may have come.
+void RemoteUrlModel::follow()
+{
+    if (!m_fileSystemModel)
+        return;
+    const QVector<Place> places = m_places; // setUrl() writes new ones
+    for (int row = 0; row < rowCount(); ++row) {
+        const QModelIndex place = index(row, 0);
+        const QUrl url = place.data(UrlRole).toUrl();
+        const auto known = std::find_if(places.cbegin(), places.cend(),
+                                        [&](const Place &each) { return each.index == place; });
+        if (known == places.cend())
+            setUrl(place, url, {}); // the drives
+        else if (known->mayHaveCome || isLost(*known))
+            setUrl(place, url, directoryOf(url));
+        else
+            setUrl(place, url, known->directory);
+    }
 }
 
 bool RemoteUrlModel::canDrop(const QDragEnterEvent *event) const
@@ -246,11 +286,13 @@ bool RemoteUrlModel::canDrop(const QDragEnterEvent *event) const
         return false;
     const QList<QUrl> urls = event->mimeData()->urls();
     return std::all_of(urls.cbegin(), urls.cend(), [this](const QUrl &url) {
-        const QModelIndex directory = directoryOf(url);
-        // To the model, an index that it does not have is the directory of the drives.
-        const bool known = directory.isValid() || pathOf(url).isEmpty();
-        return isFileUrl(url)
-            && (known ? m_fileSystemModel->isDir(directory) : QFileInfo(pathOf(url)).isDir());
+        const QString path = isFileUrl(url) ? pathOf(url) : QString();
+        const QModelIndex known = m_fileSystemModel->index(path);
+        // To the model, what it does not have is the directory of the drives; the filters may hide
+        // a file from it.
+        const QFileInfo info(path);
+        return m_fileSystemModel->isDir(known)
+            && (known.isValid() || info.isDir() || !info.exists());
     });
 }
 

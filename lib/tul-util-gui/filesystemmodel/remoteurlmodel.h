@@ -16,16 +16,19 @@ class RemoteFileSystemModel;
 /// The places of a side bar, one row each: directories, here or on a remote machine, and the level
 /// of the drives ("My Computer"), whose URL has an empty path.
 ///
-/// Names, icons and whether a place exists come from a RemoteFileSystemModel. The rows follow what
-/// happens there: a place that goes away is marked and keeps its row, one that comes back is a
-/// place again. Until a file system model is set, nothing can be added.
+/// Names, icons and whether a place exists come from a RemoteFileSystemModel, which shows the
+/// places also where its filters would hide them. The rows follow what happens there: a place that
+/// goes away is marked and keeps its row, one that comes back is a place again. Without a file
+/// system model, nothing can be added or set.
 ///
 /// A place stands in the list only once, whatever slashes its path is written with.
 ///
 /// *Ownership*: the file system model remains the caller's, and may go first; the places then stay
 /// as they were.
 ///
-/// *Threads*: the GUI thread. Each place that is added is looked up on its disk once.
+/// *Threads*: the GUI thread. A place is looked up on its disk when it is added and at refresh(),
+/// and once more each time that the file system model loses it, or gets the next directory on the
+/// way to a missing one.
 ///
 /// *By design*: a place that does not exist can still be selected. The URLs of remote places have
 /// the scheme "file", as QUrl::fromLocalFile() makes them of prefixed paths; others are not added.
@@ -38,6 +41,7 @@ public:
         UrlRole = Qt::UserRole + 1, ///< the QUrl of the place
         EnabledRole = Qt::UserRole + 2 ///< whether its directory exists; unset for the drives
     };
+    Q_ENUM(Roles)
 
     explicit RemoteUrlModel(QObject *parent = nullptr);
 
@@ -52,6 +56,10 @@ public:
     QList<QUrl> urls() const;
     void setUrls(const QList<QUrl> &urls);
 
+    /// The row of a place, whatever slashes its path is written with; -1 when there is none. The
+    /// empty URL stands for the level of the drives.
+    int rowOf(const QUrl &url) const;
+
     /// Adds places before a row, or at the end with -1, in the given order. One that is there
     /// already moves to its new row, or stays where it is if `move` is false.
     void addUrls(const QList<QUrl> &urls, int row = -1, bool move = true);
@@ -63,7 +71,8 @@ public:
     /// Looks all places up again, and reads their texts again.
     void refresh();
 
-    /// Whether what is dragged is nothing but directories.
+    /// Whether none of the dragged URLs is that of a file. What does not exist may be dropped, so
+    /// that missing places can be put in another order; what has another scheme is not looked at.
     bool canDrop(const QDragEnterEvent *event) const;
 
     Qt::ItemFlags flags(const QModelIndex &index) const override;
@@ -85,22 +94,25 @@ private Q_SLOTS:
     void layoutChanged();
 
 private:
-    /// A place that exists, and its directory in the file system model.
-    struct Found {
-        QPersistentModelIndex place;
-        QPersistentModelIndex directory;
+    /// A place other than the drives, and its directory in the file system model.
+    struct Place {
+        QPersistentModelIndex index;
+        QPersistentModelIndex directory; // invalid when it is missing or lost
+        QString path;
+        bool wasFound;
+        bool mayHaveCome; // though it was missing
     };
 
     QModelIndex directoryOf(const QUrl &url) const;
-    int rowOf(const QUrl &url) const;
-    void directoriesInserted(const QModelIndex &parent);
+    bool isLost(const Place &place) const;
+    void directoriesInserted(const QModelIndex &parent, int first, int last);
     void directoriesRemoved();
-    void note(const QModelIndex &place, const QUrl &url, const QModelIndex &directory);
+    void follow();
+    void forget(const QModelIndex &index);
     void show(const QModelIndex &place, const QString &text, const QIcon &icon);
 
     QPointer<RemoteFileSystemModel> m_fileSystemModel;
-    QVector<Found> m_found;
-    QList<QUrl> m_invalidUrls; // of places whose directory was not found
-    QTimer m_refreshTimer; // folds what asks for a refresh in one turn of the event loop
+    QVector<Place> m_places;
+    QTimer m_followTimer; // folds what happens in one turn of the event loop
     bool m_showFullPath = false;
 };
