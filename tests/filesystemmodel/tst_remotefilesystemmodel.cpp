@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileIconProvider>
+#include <QFileSystemWatcher>
 #include <QLocale>
 #include <QMessageBox>
 #include <QMimeData>
@@ -16,7 +17,9 @@
 #include <QTest>
 #include <QUrl>
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 using Updates = QList<QPair<QString, QFileInfo>>;
 
@@ -92,7 +95,7 @@ struct Fixture {
     FaultyFolder folder;
     const QString base;
     const TestGathererFactory factory{base};
-    const std::unique_ptr<RemoteFileSystemModel> model = std::make_unique<RemoteFileSystemModel>();
+    std::unique_ptr<RemoteFileSystemModel> model = std::make_unique<RemoteFileSystemModel>();
     std::unique_ptr<QAbstractItemModelTester> tester;
     QSignalSpy loaded{model.get(), &RemoteFileSystemModel::directoryLoaded};
 };
@@ -107,6 +110,7 @@ private Q_SLOTS:
     void initTestCase();
     void pathsBecomeNodesAndNodesPaths();
     void settingTheRootMovesListingAndWatch();
+    void directoriesThatWereLeftAreNotWatched();
     void filteredNodesAppearOnlyWhenTheyBecomeTheRoot();
     void cellsShowNameSizeTypeAndDate();
     void sizesAreCutOffAtTheirUnit();
@@ -119,10 +123,13 @@ private Q_SLOTS:
     void removingALinkSparesItsTarget();
     void persistentIndexesFollowTheirFiles();
     void changesAreAnnouncedInRuns();
+    void aDirectoryOfTheSameNameIsListedAnew();
     void permissionsAskedForMustBeThere();
     void manyScatteredRowsVanishTogether();
     void hugeBatchesArriveInSlicesBeforeTheEnd();
     void strangeReportsAreSurvived();
+    void receiversMayBringBackWhatGoesAndSortTheRest();
+    void receiversMayDeleteTheModel();
     void servedListingsCostNoCallsHere();
     void iconsAndTypesAreThoseOfTheProvider();
     void hostsProvidersAreAskedForEachFile();
@@ -151,6 +158,8 @@ void tst_RemoteFileSystemModel::pathsBecomeNodesAndNodesPaths()
                  {"/", "/", 1},
                  {"//usr//lib/", "//usr/lib", 3},
                  {"remote:/", "remote:", 1},
+                 {"remote:/../..", "remote:", 1}, // no way to this machine
+                 {"remote:/../d/x/../e", "remote:/d/e", 3},
                  {"remote:/d/e", "remote:/d/e", 3}};
     for (const auto &each : cases) {
         const Fixture f("d/e/");
@@ -203,6 +212,22 @@ void tst_RemoteFileSystemModel::settingTheRootMovesListingAndWatch()
     QCOMPARE(f.model->rootDirectory().filter(), f.model->filter());
 }
 
+void tst_RemoteFileSystemModel::directoriesThatWereLeftAreNotWatched()
+{
+    Fixture f("a/ b/");
+    f.tester.reset(); // would have others listed
+    QVERIFY(QDir::setCurrent(f.base));
+    for (const QString &left : {f.path("a"_s), "a"_s}) {
+        f.model->setRootPath(left); // is listed after it was left
+        f.model->setRootPath(f.path("b"_s));
+        QVERIFY(f.waitForLoaded(f.path("b"_s)));
+        QCOMPARE(f.gatherer().findChild<QFileSystemWatcher *>()->directories(),
+                 QStringList{f.path("b"_s)});
+        QVERIFY(f.model->canFetchMore(f.index("a")));
+    }
+    QVERIFY(QDir::setCurrent(QDir::rootPath()));
+}
+
 void tst_RemoteFileSystemModel::filteredNodesAppearOnlyWhenTheyBecomeTheRoot()
 {
     Fixture f(".hidden/x .other/ b");
@@ -214,6 +239,9 @@ void tst_RemoteFileSystemModel::filteredNodesAppearOnlyWhenTheyBecomeTheRoot()
     QVERIFY(f.waitForLoaded(f.path(".hidden"_s)));
     QCOMPARE(f.rows(f.index(".hidden")), "x"_s);
     QCOMPARE(f.rows(), ".hidden .other b"_s);
+    f.model->setNameFilterDisables(false);
+    f.model->setNameFilters({"none"_s}); // what was asked for before is filtered again
+    QTRY_COMPARE(f.rows(), ".hidden"_s);
 }
 
 void tst_RemoteFileSystemModel::cellsShowNameSizeTypeAndDate()
@@ -335,14 +363,15 @@ void tst_RemoteFileSystemModel::droppedFilesAreCopiedMovedAndLinked()
         bool result;
         QString top;
         QString target;
-    } cases[] = {{Qt::CopyAction, "a b", true, "d a b"_s, "a b c"_s},
-                 {Qt::MoveAction, "a b", true, "d"_s, "a b c"_s},
-                 {Qt::LinkAction, "a", true, "d a b"_s, "a c"_s},
-                 {Qt::CopyAction, "d/c none d b", false, "d a b"_s, "b c"_s},
-                 {Qt::IgnoreAction, "a", false, "d a b"_s, "c"_s}};
-    for (int i = 0; i < 10; ++i) {
+    } cases[] = {{Qt::CopyAction, "a b", true, "d e a b"_s, "a b c"_s},
+                 {Qt::MoveAction, "a b e//", true, "d"_s, "e a b c"_s},
+                 {Qt::LinkAction, "a", true, "d e a b"_s, "a c"_s},
+                 {Qt::CopyAction, "d/c none d b", false, "d e a b"_s, "b c"_s},
+                 {Qt::MoveAction, "e/x/.. e/. . /", false, "d e a b"_s, "c"_s},
+                 {Qt::IgnoreAction, "a", false, "d e a b"_s, "c"_s}};
+    for (int i = 0; i < 12; ++i) {
         const auto &each = cases[i / 2];
-        Fixture f("d/c a b", i % 2 == 1);
+        Fixture f("d/c e/x/ a b", i % 2 == 1);
         QVERIFY(f.show());
         QList<QUrl> urls;
         for (const QString &name : words(each.dropped))
@@ -397,18 +426,19 @@ void tst_RemoteFileSystemModel::listingsBegunBeforeLeaveAloneWhatTheModelMade()
     Updates early;
     for (const char *const name : {"a", "b", "old"})
         early.append({QString::fromLatin1(name), f.model->fileInfo(f.index(name))});
-    const QPersistentModelIndex made = f.model->mkdir(f.index(), "made"_s);
+    const QPersistentModelIndex made = f.model->mkdir(f.index(), ".made"_s);
     const QPersistentModelIndex renamed = f.index("old");
     QVERIFY(f.model->setData(renamed, "new"_s));
     QVERIFY(f.model->remove(f.index("b")));
     Q_EMIT f.gatherer().newListOfFiles(f.base, words("a b old"));
     Q_EMIT f.gatherer().updates(f.base, early);
-    QCOMPARE(made.data().toString(), "made"_s);
+    QCOMPARE(made.data().toString(), ".made"_s);
     QCOMPARE(renamed.data().toString(), "new"_s);
     QVERIFY(f.gatherer().requests.endsWith("remote:|"_s)); // sees to the other ones
-    Q_EMIT f.gatherer().newListOfFiles(f.base, words("a made new"));
-    QTRY_COMPARE(f.rows(), "made a new"_s);
-    QVERIFY(QDir(f.folder.local()).rmdir("made"_s));
+    Q_EMIT f.gatherer().newListOfFiles(f.base, words("a .made new"));
+    f.report({".made"_s}); // is shown although it is hidden
+    QTRY_COMPARE(f.rows(), ".made a new"_s);
+    QVERIFY(QDir(f.folder.local()).rmdir(".made"_s));
     Q_EMIT f.gatherer().newListOfFiles(f.base, words("a new"));
     QVERIFY(!made.isValid() && f.rows() == "a new"_s);
 }
@@ -496,6 +526,25 @@ void tst_RemoteFileSystemModel::changesAreAnnouncedInRuns()
     QCOMPARE(f.model->rowCount(f.index("b")), 0); // a file has no rows
 }
 
+void tst_RemoteFileSystemModel::aDirectoryOfTheSameNameIsListedAnew()
+{
+    Fixture f("d/old");
+    QVERIFY(f.show());
+    QTRY_COMPARE(f.rows(f.index("d")), "old"_s);
+    for (const bool wasFile : {false, true}) {
+        QVERIFY(QDir(f.base).rename("d"_s, "e%1"_s.arg(int(wasFile))));
+        if (wasFile) {
+            f.make("d"_s);
+            QTRY_VERIFY(!f.model->isDir(f.index("d")));
+            QVERIFY(QFile::remove(f.path("d"_s)));
+        }
+        f.make("d/first"_s);
+        QTRY_COMPARE(f.rows(f.index("d")), "first"_s);
+        f.make("d/later"_s); // the new one is watched
+        QTRY_COMPARE(f.rows(f.index("d")), "first later"_s);
+    }
+}
+
 void tst_RemoteFileSystemModel::permissionsAskedForMustBeThere()
 {
     Fixture f("a b d/");
@@ -566,6 +615,8 @@ void tst_RemoteFileSystemModel::strangeReportsAreSurvived()
     f.gatherer().works = false;
     f.report({"a"_s, "a"_s, QString(), "sub/x"_s, "none"_s});
     f.report(words("a"), "/nowhere"_s);
+    f.report({"/tmp/a"_s}, ""_s); // a file is no drive
+    QCOMPARE(f.model->rowCount(), 1);
     QCOMPARE(f.rows(), "sub a b"_s);
     QVERIFY(QFile::remove(f.folder.local("b"_s)));
     f.report(words("b b")); // has vanished before it was inspected
@@ -584,11 +635,54 @@ void tst_RemoteFileSystemModel::strangeReportsAreSurvived()
     f.report(words("new a b"));
     QTRY_COMPARE(f.rows(), "late new"_s);
     Q_EMIT f.gatherer().nameResolved(f.path(), "x"_s);
+}
 
-    // A receiver that deletes the model.
-    auto *const model = new RemoteFileSystemModel;
-    connect(model, &RemoteFileSystemModel::directoryLoaded, model, [model] { delete model; });
-    Q_EMIT f.gatherer().directoryLoaded(f.base);
+void tst_RemoteFileSystemModel::receiversMayBringBackWhatGoesAndSortTheRest()
+{
+    Fixture f("a b c d e f");
+    QVERIFY(f.show());
+    f.gatherer().works = false;
+    bool isFirst = true;
+    connect(f.model.get(), &QAbstractItemModel::rowsRemoved, f.model.get(), [&] {
+        if (!std::exchange(isFirst, false))
+            return;
+        f.report({"f"_s});
+        f.model->sort(0, Qt::DescendingOrder);
+    });
+    Q_EMIT f.gatherer().newListOfFiles(f.base, words("a c e"));
+    QTRY_COMPARE(f.rows(), "f e c a"_s);
+}
+
+void tst_RemoteFileSystemModel::receiversMayDeleteTheModel()
+{
+    const std::function<void(Fixture &)> triggers[]{
+        [](Fixture &f) { f.report({"changed"_s}); },
+        [](Fixture &f) { f.report({"new"_s}); },
+        [](Fixture &f) { f.index("new"); },
+        [](Fixture &f) { Q_EMIT f.gatherer().newListOfFiles(f.base, words("a changed")); },
+        [](Fixture &f) { Q_EMIT f.gatherer().directoryLoaded(f.base); },
+        [](Fixture &f) { f.model->setRootPath(f.path("new"_s)); },
+        [](Fixture &f) { f.model->sort(0, Qt::DescendingOrder); },
+        [](Fixture &f) { f.model->mkdir(f.index(), "made"_s); },
+        [](Fixture &f) { f.model->setData(f.index("a"), "renamed"_s); }};
+    for (const auto &trigger : triggers) {
+        Fixture f("a b changed");
+        f.tester.reset();
+        QVERIFY(f.show());
+        f.gatherer().works = false;
+        f.make("new/"_s);
+        f.folder.make("changed"_s, "longer");
+        const auto *const model = f.model.get();
+        const QObject context;
+        const auto die = [&f] { f.model.reset(); };
+        connect(model, &QAbstractItemModel::dataChanged, &context, die);
+        connect(model, &QAbstractItemModel::rowsInserted, &context, die);
+        connect(model, &QAbstractItemModel::rowsRemoved, &context, die);
+        connect(model, &QAbstractItemModel::layoutChanged, &context, die);
+        connect(model, &RemoteFileSystemModel::directoryLoaded, &context, die);
+        trigger(f);
+        QVERIFY(!f.model);
+    }
 }
 
 void tst_RemoteFileSystemModel::servedListingsCostNoCallsHere()
@@ -608,6 +702,8 @@ void tst_RemoteFileSystemModel::servedListingsCostNoCallsHere()
     f.model->sort(3, Qt::DescendingOrder);
     f.model->setFilter(f.model->filter() | QDir::Writable);
     f.model->sort(2);
+    f.model->refresh(f.index());
+    QVERIFY(f.waitForLoaded(f.base));
     QCOMPARE(f.folder.calls(true), 0);
 }
 
@@ -644,6 +740,11 @@ void tst_RemoteFileSystemModel::hostsProvidersAreAskedForEachFile()
     f.model->setIconProvider(&provider);
     QCOMPARE(f.model->type(f.index("a.txt")), "A.TXT"_s);
     QCOMPARE(f.model->type(f.index("b.txt")), "B.TXT"_s);
+    QSignalSpy changed(f.model.get(), &QAbstractItemModel::dataChanged);
+    QEvent languageChange(QEvent::LanguageChange);
+    QCoreApplication::sendEvent(f.model.get(), &languageChange);
+    QCOMPARE(changed.last().at(0).toModelIndex(), f.index("a.txt").siblingAtColumn(1));
+    QCOMPARE(changed.last().at(1).toModelIndex(), f.index("b.txt").siblingAtColumn(2));
     f.model->setIconProvider(nullptr);
     QVERIFY(f.model->fileIcon(f.index("a.txt")).isNull());
     QVERIFY(!f.model->myComputer(Qt::DecorationRole).isValid());

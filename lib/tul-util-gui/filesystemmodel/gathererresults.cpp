@@ -118,7 +118,7 @@ void GathererResults::applyList(const QString &directory, const QStringList &nam
     FileNode *const parent = m_model.tree->findPath(directory);
     if (!parent || parent == m_model.tree->root() || !parent->directory)
         return;
-    const bool isServed = !QFileInfo(directory).isNativePath();
+    const bool isServed = parent->hasInfo && !parent->info.isNativePath();
     for (const QString &name : names) {
         if (FileNode *const node = FileTree::findFile(parent, name, isServed)) {
             node->isListed = true;

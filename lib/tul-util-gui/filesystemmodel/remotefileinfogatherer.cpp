@@ -34,6 +34,7 @@ void askAhead(const QFileInfo &info, bool isLocal)
     info.size();
     if (isLocal)
         return;
+    info.isNativePath();
     info.permissions();
     info.lastModified();
 }
