@@ -119,12 +119,9 @@ void tst_RemoteFileInfoGatherer::aBatchGoesOutWhenASecondHasPassed()
     base.start();
     const auto fetch = [&] { gatherer.fetch(QFileInfo("/"_s), base, isFirst, waiting, "p"_s); };
     fetch();
-    QCOMPARE(waiting.size(), 1);
     QTRY_VERIFY(base.hasExpired(1001));
     fetch();
-    QCOMPARE(waiting.size(), 0);
-    QVERIFY(!isFirst);
-    QVERIFY(!base.hasExpired(1000));
+    QVERIFY(waiting.isEmpty() && !isFirst && !base.hasExpired(1000));
     for (int i = 0; i < 150; ++i)
         fetch();
     QCOMPARE(waiting.size(), 150); // only the first batch goes by size
