@@ -2,6 +2,7 @@
 
 #include "fileoperations_p.h"
 #include "filesystempaths_p.h"
+#include "rowranges_p.h"
 #include "sizetext_p.h"
 
 #include <tul-util-gui/filesystemmodel/remotefileinfogatherer.h>
@@ -22,53 +23,10 @@ namespace
 // With more pieces than this, removing them one by one takes longer than a new layout.
 const std::size_t mostRanges = 32;
 
-struct Range {
-    int first;
-    int last;
-};
-
 /// Whether a node is an entry of a directory, and not the root or one of the dots.
 bool isEntry(const FileNode *node)
 {
     return node->parent && !tul::isDots(node->fileName);
-}
-
-/// The rows of the nodes that have one, neighbours together, in ascending order.
-std::vector<Range> rangesOf(const std::vector<FileNode *> &nodes)
-{
-    std::vector<int> rows;
-    rows.reserve(nodes.size());
-    for (const FileNode *const node : nodes) {
-        if (node->isVisible())
-            rows.push_back(node->row);
-    }
-    std::sort(rows.begin(), rows.end());
-    std::vector<Range> ranges;
-    for (const int row : rows) {
-        if (!ranges.empty() && row <= ranges.back().last + 1)
-            ranges.back().last = row;
-        else
-            ranges.push_back({row, row});
-    }
-    return ranges;
-}
-
-/// Takes the last run of neighbours out of the nodes, and those without a row.
-std::optional<Range> takeLastRange(std::vector<FileNode *> &nodes)
-{
-    const auto isHidden = [](const FileNode *node) { return !node->isVisible(); };
-    nodes.erase(std::remove_if(nodes.begin(), nodes.end(), isHidden), nodes.end());
-    if (nodes.empty())
-        return std::nullopt;
-    const auto byRow = [](const FileNode *a, const FileNode *b) { return a->row < b->row; };
-    if (!std::is_sorted(nodes.begin(), nodes.end(), byRow))
-        std::sort(nodes.begin(), nodes.end(), byRow);
-    Range range{nodes.back()->row, nodes.back()->row};
-    while (!nodes.empty() && nodes.back()->row >= range.first - 1) {
-        range.first = nodes.back()->row;
-        nodes.pop_back();
-    }
-    return range;
 }
 
 } // namespace
@@ -290,9 +248,10 @@ bool RemoteFileSystemModelPrivate::showNodes(FileNode *parent, const Nodes &node
 
 bool RemoteFileSystemModelPrivate::hideNodes(FileNode *parent, const Nodes &nodes)
 {
-    const std::vector<Range> ranges = rangesOf(nodes);
-    if (ranges.size() > mostRanges && tree->isShown(parent)) {
-        return changeLayout(QAbstractItemModel::NoLayoutChangeHint, [&] {
+    const FileTree::Keeper keeper(tree);
+    const std::vector<RowRange> ranges = tul::rowRanges(nodes);
+    if (ranges.size() > mostRanges) {
+        const auto hide = [&] {
             for (FileNode *const node : nodes)
                 node->row = -1;
             Nodes rows;
@@ -304,13 +263,16 @@ bool RemoteFileSystemModelPrivate::hideNodes(FileNode *parent, const Nodes &node
             // The first row out of order may be another one now.
             int &dirty = parent->directory->dirtyChildrenIndex;
             dirty = std::min(dirty, ranges.front().first);
-        });
+        };
+        if (tree->isShown(parent))
+            return changeLayout(QAbstractItemModel::NoLayoutChangeHint, hide);
+        hide();
+        return true;
     }
     // One range at a time: the receivers may sort the rows that are left, or hide them.
-    const FileTree::Keeper keeper(tree);
     const QPointer<RemoteFileSystemModel> guard(q);
     Nodes left = nodes;
-    while (const std::optional<Range> range = takeLastRange(left)) {
+    while (const std::optional<RowRange> range = tul::takeLastRows(left)) {
         const bool isShown = tree->isShown(parent);
         if (isShown)
             q->beginRemoveRows(index(parent), range->first, range->last);
@@ -350,7 +312,7 @@ void RemoteFileSystemModelPrivate::unwatch(const FileNode *node)
 bool RemoteFileSystemModelPrivate::announceChanged(FileNode *parent, const Nodes &nodes,
                                                    bool changesKind)
 {
-    const std::vector<Range> ranges = rangesOf(nodes);
+    const std::vector<RowRange> ranges = tul::rowRanges(nodes);
     if (ranges.empty() || parent->isRemoved)
         return true;
     if (sortColumn != RemoteFileSystemModel::NameColumn || changesKind) {
@@ -360,10 +322,10 @@ bool RemoteFileSystemModelPrivate::announceChanged(FileNode *parent, const Nodes
     }
     const FileTree::Keeper keeper(tree);
     const QPointer<RemoteFileSystemModel> guard(q);
-    for (const Range &range : ranges) {
-        if (!tree->isShown(parent))
-            return true;
+    for (const RowRange &range : ranges) {
         const QModelIndex parentIndex = index(parent);
+        if (!tree->isShown(parent) || range.last >= q->rowCount(parentIndex))
+            return true; // receivers have taken rows away
         Q_EMIT q->dataChanged(
             q->index(range.first, 0, parentIndex),
             q->index(range.last, RemoteFileSystemModel::ColumnCount - 1, parentIndex));
