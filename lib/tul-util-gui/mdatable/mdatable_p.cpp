@@ -72,8 +72,6 @@ void MDATablePrivate::construct(long long numRows, long long numCols, const char
     for (const TableAxis *axis : {&columns, &rows}) {
         QObject::connect(axis->bar, &QScrollBar::valueChanged, axis->header,
                          &MDATableHeader::setOffset);
-        QObject::connect(axis->bar, &QScrollBar::valueChanged, q->viewport(),
-                         [this] { layout.scrollCells(); });
     }
     QObject::connect(columns.header, &MDATableHeader::sectionSizeChanged, q,
                      &MDATable::columnWidthChanged);

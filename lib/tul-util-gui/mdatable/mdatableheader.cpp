@@ -146,8 +146,12 @@ void MDATableHeader::setOffset(int pos)
 {
     const int oldOffset = m_offset;
     m_offset = contentLength() < length() ? 0 : pos;
-    if (m_offset != oldOffset)
-        scrollLabels(oldOffset);
+    if (m_offset == oldOffset)
+        return;
+    // First of all: labels are repainted at once, and with them whatever else waits for it, as the
+    // cells do where they will be.
+    m_table->d->layout.scrollCells();
+    scrollLabels(oldOffset);
 }
 
 void MDATableHeader::paintEvent(QPaintEvent *event)

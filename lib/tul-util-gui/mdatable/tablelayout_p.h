@@ -36,7 +36,7 @@ public:
     void announceBarRanges();
 
     /// Moves what is painted to where the headers have scrolled; what comes into view is painted
-    /// from the event loop.
+    /// from the event loop. To be called before anything else is painted at the new place.
     void scrollCells();
 
     void ensureCellVisible(long long row, long long col);
