@@ -45,6 +45,14 @@ int standardCellWidth(const QWidget *widget)
     return widget->fontMetrics().horizontalAdvance(QLatin1Char('M'));
 }
 
+bool isPlain(const QString &text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar character) {
+        const ushort code = character.unicode();
+        return (code >= ' ' && code < deletion) || code == '\n' || code == '\r';
+    });
+}
+
 bool isInterrupt(const QKeyEvent *event)
 {
     return event->modifiers() == Qt::MetaModifier && event->key() == Qt::Key_C;
@@ -81,6 +89,7 @@ public:
     QTimer backlogTimer; // runs while some of it is left for the next pass
     bool isShowing = false;
     int outputDepth = 0; // of nested Output objects
+    bool isOutputPlain = true; // as long as the first of them lives
 
     QTimer frameTimer; // runs for one frame after the picture was renewed
     bool isPictureOld = false;
@@ -126,13 +135,18 @@ TerminalWidget::Output::Output(TerminalWidget *widget, int budget)
         d->layout->setUpdatesHeld(true);
         d->layout->releaseLines();
     }
+    d->isOutputPlain = true;
     d->outputCursor.beginEditBlock();
 }
 
 TerminalWidget::Output::~Output()
 {
     if (d->outputDepth == 1) {
+        if (d->layout)
+            d->layout->setNextChangePlain(d->isOutputPlain);
         d->outputCursor.endEditBlock();
+        if (d->layout)
+            d->layout->setNextChangePlain(false);
         m_widget->removeOldBlocks(m_isFollowing);
         if (m_isFollowing)
             m_widget->verticalScrollBar()->setValue(m_widget->verticalScrollBar()->maximum());
@@ -381,6 +395,7 @@ void TerminalWidget::appendBytes(const char *bytes, int length)
 void TerminalWidget::appendString(const QString &text)
 {
     const Output output(this);
+    d->isOutputPlain = d->isOutputPlain && isPlain(text);
     d->outputCursor.insertText(text);
 }
 

@@ -14,6 +14,7 @@
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <utility>
 
 namespace
 {
@@ -282,6 +283,7 @@ void TextGridLayout::geometryChanged()
 
 void TextGridLayout::documentChanged(int from, int charsRemoved, int charsAdded)
 {
+    const bool isPlain = std::exchange(m_isNextChangePlain, false);
     const int blockCount = document()->blockCount();
     const int firstBlock = document()->findBlock(from).blockNumber();
     releaseLines(firstBlock, blockCount - m_blockCount);
@@ -297,7 +299,8 @@ void TextGridLayout::documentChanged(int from, int charsRemoved, int charsAdded)
             m_longest = 0;
         }
         const int end = std::min(from + charsAdded, length - 1);
-        lookForOddCharacters(document()->findBlock(from), end);
+        if (!isPlain)
+            lookForOddCharacters(document()->findBlock(from), end);
         countLines(document()->findBlock(from), end);
     }
     Q_EMIT documentSizeChanged(documentSize());

@@ -54,6 +54,10 @@ public:
     /// Whether changes are not announced by update(): somebody else sees to it.
     void setUpdatesHeld(bool held) { m_updatesHeld = held; }
 
+    /// Whether the next change of the document, if it comes before this is taken back, inserts only
+    /// usual characters and new lines: it need not be searched for others then.
+    void setNextChangePlain(bool plain) { m_isNextChangePlain = plain; }
+
     /// Gives back all text layouts; done before many changes, it spares each of them some work.
     void releaseLines();
 
@@ -99,6 +103,7 @@ private:
     int m_longest = 0; // block of the document, in characters; it may have gone since
     bool m_hasOddCharacters = false; // in the document, since it was last empty
     bool m_updatesHeld = false;
+    bool m_isNextChangePlain = false;
 
     // In effect since geometryChanged(): a line ends after so many columns, or at so many pixels.
     int m_columns = 1;
