@@ -1,11 +1,8 @@
 #include <support/testcase.h>
 #include <tul-util-gui/terminal/commandline.h>
 #include <tul-util-gui/terminal/fontchoice_p.h>
-#include <tul-util-gui/terminal/goodfont.h>
 #include <tul-util-gui/terminal/terminalinterpreter_p.h>
 
-#include <QFontDatabase>
-#include <QFontMetrics>
 #include <QMap>
 #include <QRandomGenerator>
 #include <QTest>
@@ -69,7 +66,6 @@ private Q_SLOTS:
     void interpreterObeysFewControlBytes();
     void splitsMakeNoDifference();
     void lastPreferredOrBestScoredFamilyIsChosen();
-    void installedFontIsUsable();
 };
 
 // The program, the arguments and the command line, separated by bars.
@@ -176,16 +172,6 @@ void TestTerminalUnits::lastPreferredOrBestScoredFamilyIsChosen()
                  QString::fromLatin1(row.second));
 }
 
-void TestTerminalUnits::installedFontIsUsable()
-{
-    const QFont font = findGoodFont(14);
-    QVERIFY(QFontDatabase().families().contains(font.family()));
-    QCOMPARE(QFont(font.family(), 14), font);
-    const QFontMetrics metrics(font);
-    QCOMPARE(metrics.horizontalAdvance(QLatin1Char('i')),
-             metrics.horizontalAdvance(QLatin1Char('W')));
-}
-
-QTEST_MAIN(TestTerminalUnits)
+QTEST_GUILESS_MAIN(TestTerminalUnits)
 
 #include "tst_terminalunits.moc"

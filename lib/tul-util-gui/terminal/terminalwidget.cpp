@@ -514,6 +514,7 @@ QVariant TerminalWidget::inputMethodQuery(Qt::InputMethodQuery query) const
     if (query == Qt::ImEnabled)
         return !d->terminal.isNull();
     if (query != Qt::ImCursorRectangle || d->outputCursor.isNull() || !d->layout)
+        // NOLINTNEXTLINE(bugprone-parent-virtual-call): the text edit's tells of its text
         return QWidget::inputMethodQuery(query);
     const QPoint scrolled(horizontalScrollBar()->value(), verticalScrollBar()->value());
     return d->layout->cursorRect(d->outputCursor).translated(viewport()->pos() - scrolled);
