@@ -340,17 +340,16 @@ bool RemoteFileSystemModelPrivate::announceTexts()
 {
     const FileTree::Keeper keeper(tree);
     const QPointer<RemoteFileSystemModel> guard(q);
-    for (FileNode *const node : directories()) {
+    const Nodes nodes = directories();
+    return std::all_of(nodes.begin(), nodes.end(), [&](const FileNode *node) {
         const auto rows = static_cast<int>(node->directory->visible.size());
         if (rows == 0 || !tree->isShown(node))
-            continue;
+            return true;
         const QModelIndex parent = index(node);
         Q_EMIT q->dataChanged(q->index(0, RemoteFileSystemModel::SizeColumn, parent),
                               q->index(rows - 1, RemoteFileSystemModel::TypeColumn, parent));
-        if (!guard)
-            return false;
-    }
-    return true;
+        return !guard.isNull();
+    });
 }
 
 void RemoteFileSystemModelPrivate::filterSoon()
@@ -499,7 +498,7 @@ bool RemoteFileSystemModelPrivate::changeLayout(QAbstractItemModel::LayoutChange
     }
     q->changePersistentIndexList(before, now);
     Q_EMIT q->layoutChanged({}, hint);
-    return guard;
+    return !guard.isNull();
 }
 
 QModelIndex RemoteFileSystemModelPrivate::makeDirectory(FileNode *parent, const QString &name)
