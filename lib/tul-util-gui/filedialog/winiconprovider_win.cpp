@@ -48,9 +48,9 @@ public:
     ShellIcon(const ShellIcon &) = delete;
     ShellIcon &operator=(const ShellIcon &) = delete;
 
-    bool isFound() const { return m_found && m_info.hIcon; }
+    bool isFound() const { return m_found; }
     int index() const { return m_info.iIcon; }
-    QPixmap pixmap() const { return QtWin::fromHICON(m_info.hIcon); }
+    QPixmap pixmap() const { return m_info.hIcon ? QtWin::fromHICON(m_info.hIcon) : QPixmap(); }
 
 private:
     SHFILEINFOW m_info = {};
