@@ -1,4 +1,5 @@
 #include <tul-util-gui/filedialog/executablefileiconprovider_p.h>
+#include <tul-util-gui/filesystemmodel/fileappearance_p.h>
 
 #include <QFileInfo>
 
@@ -33,8 +34,9 @@ ExecutableFileIconProvider::ExecutableFileIconProvider()
 
 QIcon ExecutableFileIconProvider::icon(const QFileInfo &info) const
 {
-    const bool isProgram = !m_executableIcon.isNull() && !info.isDir() && info.isExecutable();
-    return isProgram ? m_executableIcon : QFileIconProvider::icon(info);
+    if (!m_executableIcon.isNull() && !info.isDir() && info.isExecutable())
+        return m_executableIcon;
+    return info.isNativePath() ? QFileIconProvider::icon(info) : tul::servedIcon(*this, info);
 }
 
 } // namespace FileDialog

@@ -32,14 +32,15 @@ bool isProgramOrDirectory(const QSortFilterProxyModel &proxy, int sourceRow,
     return file.isDir() || file.isExecutable();
 }
 
-/// Whether the dialog that owns the proxy wants executables only; `current` where the dialog gives
-/// its user no choice.
-template<class Dialog>
-bool wantsExecutables(const QObject *parent, const QString &filter, bool current)
+/// Whether the dialog that owns the proxy gives its user a choice.
+template<class Dialog> bool hasSeveralFilters(const QObject *parent)
 {
     const auto *const dialog = qobject_cast<const Dialog *>(parent);
-    if (!dialog || dialog->nameFilters().size() < 2)
-        return current;
+    return dialog && dialog->nameFilters().size() > 1;
+}
+
+bool isForExecutables(const QString &filter)
+{
     return filter.contains(QLatin1String("executable"), Qt::CaseInsensitive);
 }
 
@@ -55,8 +56,17 @@ LocalExecutableFileProxyModel::LocalExecutableFileProxyModel(QObject *parent)
 
 void LocalExecutableFileProxyModel::filterSelected(const QString &filter)
 {
-    m_executablesOnly = wantsExecutables<QFileDialog>(parent(), filter, m_executablesOnly);
+    if (!hasSeveralFilters<QFileDialog>(parent()))
+        return;
+    m_executablesOnly = isForExecutables(filter);
     invalidateFilter();
+}
+
+void LocalExecutableFileProxyModel::sort(int column, Qt::SortOrder order)
+{
+    // The rows follow the model, which puts directories first and numbers in order.
+    if (sourceModel())
+        sourceModel()->sort(column, order);
 }
 
 bool LocalExecutableFileProxyModel::filterAcceptsRow(int sourceRow,
@@ -74,7 +84,9 @@ RemoteExecutableFileProxyModel::RemoteExecutableFileProxyModel(QObject *parent)
 
 void RemoteExecutableFileProxyModel::filterSelected(const QString &filter)
 {
-    m_executablesOnly = wantsExecutables<RemoteFileDialog>(parent(), filter, m_executablesOnly);
+    if (!hasSeveralFilters<RemoteFileDialog>(parent()))
+        return;
+    m_executablesOnly = isForExecutables(filter);
     invalidateFilter();
 }
 

@@ -18,6 +18,9 @@ class LocalExecutableFileProxyModel : public QSortFilterProxyModel
 public:
     explicit LocalExecutableFileProxyModel(QObject *parent = nullptr);
 
+    /// Sorts the model below, as the dialog's list would be without a proxy.
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+
 public Q_SLOTS:
     /// Narrows the list when the chosen filter speaks of executables, in any case of letters, and
     /// widens it otherwise. Ignored in a dialog with fewer than two name filters.

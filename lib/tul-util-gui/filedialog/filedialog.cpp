@@ -5,6 +5,7 @@
 #include <tul-util-gui/filedialog/filtermonitor_p.h>
 #include <tul-util-gui/filedialog/namefilters_p.h>
 #include <tul-util-gui/filedialog/remotefiledialog.h>
+#include <tul-util-gui/filedialog/remotesettings_p.h>
 #include <tul-util-gui/filedialog/scopeddialog_p.h>
 
 #include <tul-util/pathstring.h>
@@ -72,6 +73,13 @@ QMap<QString, QString> &directoriesOf(Side side)
     return side == Side::Remote ? settings().remoteDirectories : settings().localDirectories;
 }
 
+/// A path, or where the file is that it names: a remote dialog takes nothing but directories.
+QString remoteDirectoryOf(const QString &path)
+{
+    const QString served = tul::addPrefix(path, tul::remoteSettings().prefix);
+    return QFileInfo(served).isDir() ? path : PathString(path).path();
+}
+
 /// What the caller asks for.
 struct Request {
     Side side;
@@ -87,7 +95,9 @@ struct Request {
     /// Where to start.
     QString directory() const
     {
-        return dir.isEmpty() ? directoriesOf(side).value(tul::purposeKey(caption)) : dir;
+        if (dir.isEmpty())
+            return directoriesOf(side).value(tul::purposeKey(caption));
+        return isRemote() ? remoteDirectoryOf(dir) : dir;
     }
 
     void rememberDirectory(const QString &chosen) const
@@ -158,7 +168,8 @@ QString saveRemoteFile(const Request &request)
     if (!dialog.accepted())
         return {};
     if (request.selectedFilter)
-        *request.selectedFilter = dialog->selectedNameFilter();
+        *request.selectedFilter
+            = tul::filterShownAs(dialog->selectedNameFilter(), dialog->nameFilters());
     return dialog->selectedFiles().value(0);
 }
 
@@ -178,15 +189,19 @@ QString saveLocalFile(const Request &request)
 {
     const QString suffix = tul::defaultSuffix(request.filter);
     const QPointer<QWidget> parent = request.parent;
+    QString filter = request.selectedFilter ? *request.selectedFilter : QString();
     for (;;) {
         const QString answer = QFileDialog::getSaveFileName(
-            parent, request.caption, request.directory(), request.filter, request.selectedFilter,
+            parent, request.caption, request.directory(), request.filter, &filter,
             request.options | QFileDialog::DontConfirmOverwrite);
         if (answer.isNull())
             return {};
         const QString fileName = tul::withSuffix(answer, suffix);
-        if (!QFileInfo::exists(fileName) || mayReplace(parent, request.caption, fileName))
+        if (!QFileInfo::exists(fileName) || mayReplace(parent, request.caption, fileName)) {
+            if (request.selectedFilter)
+                *request.selectedFilter = filter;
             return fileName;
+        }
         if (request.parent && !parent)
             return {};
     }
@@ -205,15 +220,22 @@ QString executableFilters()
 }
 
 /// Lets a dialog choose a program: the proxy narrows the dialog's list, from the start and when the
-/// user chooses another filter.
+/// user chooses another filter. It goes by the words of the filter, which are those of the user's
+/// language, so that it is told the original ones.
 template<class Dialog, class Proxy>
 void prepareExecutablePicker(Dialog *dialog, Proxy *proxy, QFileIconProvider *icons)
 {
     dialog->setProxyModel(proxy);
     proxy->setParent(dialog);
     dialog->setIconProvider(icons);
-    QObject::connect(dialog, &Dialog::filterSelected, proxy, &Proxy::filterSelected);
-    proxy->filterSelected(dialog->selectedNameFilter());
+    const auto narrow = [dialog, proxy](const QString &chosen) {
+        const QStringList filters = dialog->nameFilters();
+        const bool programs = tul::filterShownAs(chosen, filters) == filters.constFirst();
+        proxy->filterSelected(programs ? QStringLiteral("Executable Files (*)")
+                                       : QStringLiteral("All Files (*)"));
+    };
+    QObject::connect(dialog, &Dialog::filterSelected, proxy, narrow);
+    narrow(dialog->selectedNameFilter());
 }
 
 QString chooseLocalExecutable(const Request &request)

@@ -22,9 +22,12 @@
 /// *Paths* carry no remote prefix, neither those given nor those returned, and nothing in a path
 /// says from which side it came: ask allFilesLocal() and sourcesLocal().
 ///
-/// *Arguments* are those of the toolkit's static file dialog functions. `parent` may be null, and
-/// may be destroyed while the dialog is up, which cancels it. `selectedFilter`, when given, is read
-/// for the filter to start with and gets the user's choice when he accepts.
+/// *Arguments* are those of the toolkit's static file dialog functions. `parent` may be null. It
+/// must outlive the toolkit's own dialog, with which a local request is served; it may be destroyed
+/// while a remote dialog or the executable picker is up, which cancels it. A `dir` that names a
+/// file leads to the directory of the file; only a local dialog suggests the name as well.
+/// `selectedFilter`, when given, is read for the filter to start with and gets the user's choice
+/// when he accepts.
 ///
 /// *Errors*: a null string or an empty list when the user cancels; nothing is remembered then.
 ///

@@ -10,7 +10,8 @@ namespace
 template<class Dialog> void follow(QObject *parent, const QString &filter)
 {
     if (auto *const dialog = qobject_cast<Dialog *>(parent))
-        dialog->setDefaultSuffix(tul::defaultSuffix(filter));
+        dialog->setDefaultSuffix(
+            tul::defaultSuffix(tul::filterShownAs(filter, dialog->nameFilters())));
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace tul
 {
 
@@ -42,11 +44,22 @@ QString filterWithoutDetails(const QString &filter)
     return name.isEmpty() ? filter : name;
 }
 
+QString filterShownAs(const QString &shown, const QStringList &filters)
+{
+    if (filters.contains(shown))
+        return shown;
+    const auto found = std::find_if(filters.cbegin(), filters.cend(), [&](const QString &filter) {
+        return filterWithoutDetails(filter) == shown;
+    });
+    return found == filters.cend() ? shown : *found;
+}
+
 QString defaultSuffix(const QString &filter)
 {
     const QString single = filter.trimmed();
     const int begin = detailsBegin(single);
-    if (single.contains(separator) || begin < 1 || single.at(begin - 1) != QLatin1Char(' '))
+    if (splitNameFilters(single).size() > 1 || begin < 1
+        || single.at(begin - 1) != QLatin1Char(' '))
         return {};
     static const QRegularExpression between(QStringLiteral("[; ]"));
     static const QRegularExpression wildcard(QStringLiteral("[][*?]"));

@@ -19,6 +19,10 @@ QStringList patternsOfFilter(const QString &filter);
 /// it is.
 QString filterWithoutDetails(const QString &filter);
 
+/// The filter that a dialog shows as `shown`, with or without what stands in brackets; `shown`
+/// itself where none does.
+QString filterShownAs(const QString &shown, const QStringList &filters);
+
 /// The suffix, without a dot, that a file saved with this filter gets by default: that of its first
 /// pattern. Null when there are several filters to choose from, or no suffix that is the same for
 /// all files.
