@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QItemSelectionModel>
+#include <QLineEdit>
 #include <QSignalBlocker>
 #include <QStandardItemModel>
 #include <QToolButton>
@@ -118,7 +119,10 @@ void DialogNavigation::goToParent()
 
 void DialogNavigation::goHome()
 {
-    enter(m_context->dialog->tildeExpansion(QStringLiteral("~")));
+    const QString home = m_context->dialog->tildeExpansion(QStringLiteral("~"));
+    // Of a remote machine it may be unknown.
+    if (!home.isEmpty())
+        enter(home);
 }
 
 void DialogNavigation::goToPlace(const QUrl &url)
@@ -129,6 +133,8 @@ void DialogNavigation::goToPlace(const QUrl &url)
 void DialogNavigation::goToEntry(const QString &path)
 {
     const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
+    if (QLineEdit *const edit = m_context->ui.lookInCombo->lineEdit())
+        edit->setModified(false);
     enter(path);
     // The box shows the entry by now, wherever the dialog is.
     if (guard)
@@ -142,12 +148,45 @@ void DialogNavigation::goToTyped(const QString &text)
         return;
     }
     bool expanded = false;
-    QString path = m_context->dialog->tildeExpansion(text, &expanded);
-    if (!expanded && path.startsWith(QLatin1Char('/')))
-        path = tul::joinElements(tul::splitPath(m_context->rootPath()).mid(0, 1)) + path;
-    else if (!expanded && !QDir::isAbsolutePath(path))
-        path = tul::joinSlash(m_context->rootPath(), path);
-    goToEntry(tul::requestPath(path));
+    const QString path = m_context->dialog->tildeExpansion(text, &expanded);
+    goToEntry(tul::requestPath(expanded ? path : typedPath(path)));
+}
+
+QString DialogNavigation::typedPath(const QString &text) const
+{
+    const QString root = m_context->rootPath();
+    if (text.startsWith(QLatin1Char('/')))
+        return tul::joinElements(tul::splitPath(root).mid(0, 1)) + text;
+    if (!QDir::isAbsolutePath(text))
+        return tul::joinSlash(lookInBase.isEmpty() ? root : lookInBase, text);
+    const QString prefix = text.left(text.indexOf(QLatin1Char(':')) + 1);
+    const QString rest = text.mid(prefix.size());
+    constexpr int sizeOfDrive = 2;
+    if (prefix.size() <= sizeOfDrive || rest.isEmpty() || rest.startsWith(QLatin1Char('/')))
+        return text;
+    return tul::joinSlash(lookInBase.startsWith(prefix) ? lookInBase : prefix, rest);
+}
+
+bool DialogNavigation::isTyping() const
+{
+    const QLineEdit *const edit = m_context->ui.lookInCombo->lineEdit();
+    return edit && edit->isModified() && edit->hasFocus();
+}
+
+void DialogNavigation::followTyping(const QString &path)
+{
+    if (!isTyping()
+        || m_context->likelyKindOf(tul::cleanDialogPath(path)) == tul::FileKind::Directory)
+        goTo(path);
+}
+
+void DialogNavigation::endTyping()
+{
+    QLineEdit *const edit = m_context->ui.lookInCombo->lineEdit();
+    if (!edit || !edit->isModified())
+        return;
+    edit->setModified(false);
+    showLookInText();
 }
 
 void DialogNavigation::rootChanged()
@@ -164,7 +203,8 @@ void DialogNavigation::rootChanged()
     m_context->ui.sidebar->selectUrl(QUrl::fromLocalFile(path));
     m_history.visit(path);
     updateButtons();
-    showLookInText();
+    if (!isTyping())
+        showLookInText();
     if (m_started && !path.isEmpty())
         lastVisitedDirectory() = path;
     m_context->selection()->clear(); // for a root that was not changed here; slots hear of it
@@ -185,6 +225,18 @@ void DialogNavigation::start()
     if (!m_context->rootPath().isEmpty())
         lastVisitedDirectory() = m_context->rootPath();
     updateButtons();
+}
+
+void DialogNavigation::keepPlaces(const std::function<bool(const QString &)> &isKept)
+{
+    m_history.keep(isKept);
+    updateButtons();
+}
+
+void DialogNavigation::setRecentPlaces(const QStringList &paths)
+{
+    m_recentPlaces = paths;
+    m_recentPlaces.removeAll(QString());
 }
 
 void DialogNavigation::setListing(bool listing)
@@ -251,13 +303,13 @@ void DialogNavigation::fillLookInBox()
             box->addItem(model->myComputer(Qt::DecorationRole).value<QIcon>(),
                          model->myComputer().toString());
     }
-    if (recentPlaces.isEmpty())
+    if (m_recentPlaces.isEmpty())
         return;
     box->insertSeparator(box->count());
     box->addItem(RemoteFileDialogBase::tr("Recent Places"));
     if (auto *const items = qobject_cast<QStandardItemModel *>(box->model()))
         items->item(box->count() - 1)->setEnabled(false);
     const QIcon folder = box->style()->standardIcon(QStyle::SP_DirIcon, nullptr, box);
-    for (auto place = recentPlaces.crbegin(); place != recentPlaces.crend(); ++place)
+    for (auto place = m_recentPlaces.crbegin(); place != m_recentPlaces.crend(); ++place)
         box->addItem(folder, *place);
 }

@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <QUrl>
 
+#include <functional>
+
 class DialogContext;
 
 /// Goes from directory to directory: by path, back and forward, to the parent, home, to a place.
@@ -45,6 +47,14 @@ public:
     void goToEntry(const QString &path);
     void goToTyped(const QString &text);
 
+    /// Goes along with what is being typed into the look-in box, as far as it is a directory, and
+    /// leaves the text to the user. A listed directory of another machine is not asked for what has
+    /// no row.
+    void followTyping(const QString &path);
+
+    /// Called when the user leaves the look-in box without a word where to go.
+    void endTyping();
+
     /// Called when the model has another root, and when its listing is complete.
     void rootChanged();
     void listed(const QString &path);
@@ -52,13 +62,24 @@ public:
     /// Called at the end of the construction: there is nowhere to go back to yet.
     void start();
 
+    /// Forgets the places for back and forward that `isKept` refuses.
+    void keepPlaces(const std::function<bool(const QString &)> &isKept);
+
+    /// The recent places of the look-in box, the latest one last. The level of the drives is none.
+    const QStringList &recentPlaces() const { return m_recentPlaces; }
+    void setRecentPlaces(const QStringList &paths);
+
     void fillLookInBox();
     void showLookInText();
     void updateButtons();
 
-    QStringList recentPlaces; ///< of the look-in box, the latest one last
+    /// Where what is typed into the look-in box begins, unless it is absolute; empty for the shown
+    /// directory.
+    QString lookInBase;
 
 private:
+    bool isTyping() const;
+    QString typedPath(const QString &text) const;
     void step(int by);
     void announceEntered(const QString &name);
     void setListing(bool listing);
@@ -66,6 +87,7 @@ private:
 
     DialogContext *const m_context;
     NavigationHistory m_history;
+    QStringList m_recentPlaces;
     QSet<QString> m_listed; ///< directories whose entries the model has already
     QString m_root; ///< the directory that is shown
     bool m_started = false;

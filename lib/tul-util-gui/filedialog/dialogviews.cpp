@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QPointer>
 #include <QStyleOptionComboBox>
 #include <QStylePainter>
 
@@ -110,6 +111,16 @@ void RemoteFileDialogBaseComboBox::keyPressEvent(QKeyEvent *event)
     }
     event->accept();
     m_dialog->goToTyped(currentText());
+}
+
+void RemoteFileDialogBaseComboBox::focusOutEvent(QFocusEvent *event)
+{
+    const QPointer<RemoteFileDialogBaseComboBox> guard(this);
+    QComboBox::focusOutEvent(event); // slots may hear of it
+    const bool comesBack
+        = event->reason() == Qt::PopupFocusReason || event->reason() == Qt::ActiveWindowFocusReason;
+    if (guard && m_dialog && !comesBack)
+        m_dialog->navigation.endTyping();
 }
 
 void RemoteFileDialogBaseComboBox::paintEvent(QPaintEvent *event)

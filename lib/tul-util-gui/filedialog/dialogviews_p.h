@@ -95,6 +95,7 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
 
     /// Shortens a path that is too long in the middle, where the box cannot be edited.
     void paintEvent(QPaintEvent *event) override;

@@ -44,6 +44,21 @@ public:
         m_current -= by > 0 ? 1 : 0;
     }
 
+    /// Forgets the places that `isKept` refuses. The shown one stays in any case.
+    template<class Predicate> void keep(Predicate isKept)
+    {
+        QVector<Place> kept;
+        int current = m_current;
+        for (int i = 0; i < m_places.size(); ++i) {
+            if (i == m_current || isKept(m_places.at(i).path))
+                kept.append(m_places.at(i));
+            else if (i < m_current)
+                --current;
+        }
+        m_places = kept;
+        m_current = current;
+    }
+
     /// Forgets all but the shown place.
     void restart()
     {

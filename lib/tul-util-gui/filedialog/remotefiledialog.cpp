@@ -1,4 +1,5 @@
 #include <tul-util-gui/filedialog/remotefiledialog.h>
+#include <tul-util-gui/filedialog/remotefiledialogbase_p.h>
 #include <tul-util-gui/filedialog/remoteproxymodel.h>
 #include <tul-util-gui/filedialog/remotesettings_p.h>
 #include <tul-util-gui/filedialog/scopeddialog_p.h>
@@ -115,18 +116,24 @@ RemoteFileDialog::RemoteFileDialog(QWidget *parent, Qt::WindowFlags flags)
 {
     init();
     setLocation(RemoteLocation);
+    navigation().start();
 }
 
 RemoteFileDialog::RemoteFileDialog(QWidget *parent, const QString &caption,
                                    const QString &directory, const QString &filter,
                                    FileSystemLocation location)
-    : RemoteFileDialogBase(parent, caption, QString(), filter)
+    : RemoteFileDialogBase(parent, caption, filter,
+                           Beginning{location == RemoteLocation
+                                         ? tul::addPrefix(directory, tul::remoteSettings().prefix)
+                                         : directory})
     , m_location(location)
 {
     init();
     setLocation(location);
+    // It is shown already, unless the host's hook or the location has led elsewhere.
     if (!directory.isEmpty())
         setDirectory(mungePath(directory));
+    navigation().start(); // the first directory may have been of the other side
 }
 
 void RemoteFileDialog::init()
@@ -162,17 +169,26 @@ RemoteFileDialog::~RemoteFileDialog()
         setIconProvider(nullptr);
 }
 
+DialogNavigation &RemoteFileDialog::navigation()
+{
+    return RemoteFileDialogBasePrivate::of(this)->navigation;
+}
+
 void RemoteFileDialog::setLocation(FileSystemLocation location)
 {
     m_location = location;
+    navigation().lookInBase
+        = isRemote() ? tul::remoteSettings().defaultWorkingDirectory : QString();
     // Whichever is in force: a host may have put its own in place of the first.
     if (auto *const proxy = qobject_cast<RemoteProxyModel *>(proxyModel()))
         proxy->setLocation(location);
     if (location == AnyLocation)
         return;
     filterHistory();
-    filterPlaces();
     leaveOtherSide();
+    navigation().keepPlaces(
+        [this](const QString &path) { return isRemotePath(path) == isRemote(); });
+    filterPlaces();
 }
 
 void RemoteFileDialog::filterHistory()
@@ -209,7 +225,8 @@ void RemoteFileDialog::filterPlaces()
         kept.append(QUrl::fromLocalFile(settings.defaultWorkingDirectory));
     if (isRemote() && !settings.homeDirectory.isEmpty() && !hasHome)
         kept.append(QUrl::fromLocalFile(settings.homeDirectory));
-    setSidebarUrls(kept);
+    if (kept != places)
+        setSidebarUrls(kept);
 }
 
 void RemoteFileDialog::leaveOtherSide()
@@ -219,10 +236,14 @@ void RemoteFileDialog::leaveOtherSide()
     if (isLocalPath(directory().path()) != isRemote())
         return;
     const tul::RemoteSettings &settings = tul::remoteSettings();
+    QStringList directories{isRemote() ? settings.prefix : QDir::homePath(), QString()};
     if (isOfThisSide(settings.defaultWorkingDirectory))
-        setDirectory(settings.defaultWorkingDirectory);
-    else
-        setDirectory(isRemote() ? settings.prefix : QDir::homePath());
+        directories.prepend(settings.defaultWorkingDirectory);
+    // Some may not exist or not be reached. The last is the level of the drives.
+    for (const QString &path : qAsConst(directories)) {
+        if (navigation().goTo(path))
+            return;
+    }
 }
 
 bool RemoteFileDialog::isOfThisSide(const QString &path) const
@@ -306,9 +327,9 @@ void RemoteFileDialog::checkDirectory(const QString &path)
     const QString rest = tul::stripPrefix(path, settings.prefix);
     // By design: relative to the default working directory, not to the one that is shown.
     if (!rest.isEmpty() && !rest.startsWith(QLatin1Char('/')))
-        setDirectory(settings.defaultWorkingDirectory + QLatin1Char('/') + rest);
+        navigation().followTyping(settings.defaultWorkingDirectory + QLatin1Char('/') + rest);
     else if (!isRemotePath(path))
-        setDirectory(settings.prefix + path);
+        navigation().followTyping(settings.prefix + path);
 }
 
 QString RemoteFileDialog::getOpenFileName(QWidget *parent, const QString &caption,

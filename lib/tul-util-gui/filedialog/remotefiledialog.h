@@ -5,6 +5,7 @@
 
 #include <memory>
 
+class DialogNavigation;
 class QComboBox;
 
 /// A file dialog for the files of the remote machine, or for those of this one.
@@ -51,7 +52,8 @@ public:
     /// A remote dialog.
     RemoteFileDialog(QWidget *parent, Qt::WindowFlags flags);
 
-    /// `directory` has no prefix. A file's name in it is not taken as a suggestion.
+    /// `directory` has no prefix. One that is no directory is left aside, also when it names a
+    /// file: a directory is all that is taken from it.
     explicit RemoteFileDialog(QWidget *parent = nullptr, const QString &caption = QString(),
                               const QString &directory = QString(),
                               const QString &filter = QString(),
@@ -81,9 +83,10 @@ public:
     /// was an older one.
     static RemoteFileDialog *instance();
 
-    /// Setting the location hides what is of the other side, drops it from history and side bar,
-    /// and leaves a directory of the other side for the default working directory, or else for the
-    /// home of the local user or the root of the remote machine. AnyLocation only shows all.
+    /// Setting the location hides what is of the other side, drops it from history, side bar, and
+    /// the places for back and forward, and leaves a directory of the other side for the default
+    /// working directory, or else for the home of the local user or the root of the remote machine,
+    /// or, when that cannot be reached, for the level of the drives. AnyLocation only shows all.
     FileSystemLocation location() const { return m_location; }
     void setLocation(FileSystemLocation location);
 
@@ -147,6 +150,7 @@ private:
     void filterHistory();
     void filterPlaces();
     void leaveOtherSide();
+    DialogNavigation &navigation();
 
     FileSystemLocation m_location;
     QComboBox *m_lookInCombo = nullptr;

@@ -66,6 +66,14 @@ RemoteFileDialogBase::RemoteFileDialogBase(QWidget *parent, const QString &capti
     d->construct(directory, filter, caption);
 }
 
+RemoteFileDialogBase::RemoteFileDialogBase(QWidget *parent, const QString &caption,
+                                           const QString &filter, const Beginning &beginning)
+    : QDialog(parent, {})
+    , d(std::make_unique<RemoteFileDialogBasePrivate>(this))
+{
+    d->construct({}, filter, caption, beginning.directory);
+}
+
 RemoteFileDialogBase::RemoteFileDialogBase(const RemoteFileDialogBaseArgs &args)
     : QDialog(args.parent, {})
     , d(std::make_unique<RemoteFileDialogBasePrivate>(this))
@@ -274,7 +282,7 @@ void RemoteFileDialogBase::setOption(QFileDialog::Option option, bool on)
 
 QStringList RemoteFileDialogBase::history() const
 {
-    QStringList places = d->navigation.recentPlaces;
+    QStringList places = d->navigation.recentPlaces();
     const QString shown = d->context.rootPath();
     if (!places.contains(shown))
         places.append(shown);
@@ -283,7 +291,7 @@ QStringList RemoteFileDialogBase::history() const
 
 void RemoteFileDialogBase::setHistory(const QStringList &paths)
 {
-    d->navigation.recentPlaces = paths;
+    d->navigation.setRecentPlaces(paths);
 }
 
 QList<QUrl> RemoteFileDialogBase::sidebarUrls() const
@@ -293,7 +301,7 @@ QList<QUrl> RemoteFileDialogBase::sidebarUrls() const
 
 void RemoteFileDialogBase::setSidebarUrls(const QList<QUrl> &urls)
 {
-    d->context.ui.sidebar->setUrls(urls);
+    d->showPlaces(urls);
 }
 
 QAbstractProxyModel *RemoteFileDialogBase::proxyModel() const

@@ -299,6 +299,16 @@ private Q_SLOTS:
     void _q_rowsInserted(const QModelIndex &parent);
 
 private:
+    friend class RemoteFileDialog;
     friend class RemoteFileDialogBasePrivate;
+
+    /// Where a dialog begins at once, if there is such a directory, instead of where the last one
+    /// was: on a slow line each of them costs time.
+    struct Beginning {
+        QString directory;
+    };
+    RemoteFileDialogBase(QWidget *parent, const QString &caption, const QString &filter,
+                         const Beginning &beginning);
+
     const std::unique_ptr<RemoteFileDialogBasePrivate> d;
 };

@@ -22,6 +22,8 @@
 #include <QStackedWidget>
 #include <QToolButton>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -40,7 +42,7 @@ RemoteFileDialogBasePrivate::RemoteFileDialogBasePrivate(RemoteFileDialogBase *d
 }
 
 void RemoteFileDialogBasePrivate::construct(const QString &directory, const QString &filter,
-                                            const QString &caption)
+                                            const QString &caption, const QString &beginning)
 {
     if (!caption.isEmpty())
         q->setWindowTitle(caption);
@@ -57,8 +59,10 @@ void RemoteFileDialogBasePrivate::construct(const QString &directory, const QStr
 
     QSettings settings(QSettings::UserScope, QStringLiteral("Vantorq"));
     settings.beginGroup(QStringLiteral("RemoteFileDialog"));
-    const QString start = DialogNavigation::workingDirectory(directory);
-    if (!directory.isEmpty())
+    const bool begun = !beginning.isEmpty() && navigation.goTo(beginning);
+    const QString start
+        = begun ? context.rootPath() : DialogNavigation::workingDirectory(directory);
+    if (begun || !directory.isEmpty())
         DialogNavigation::lastVisitedDirectory() = start;
     if (const auto state
         = DialogState::fromBytes(settings.value(QStringLiteral("state")).toByteArray()))
@@ -147,7 +151,8 @@ void RemoteFileDialogBasePrivate::connectModel()
                      [this](const QString &path) {
                          navigation.listed(path);
                          selection.selectTypedRowsIfNone();
-                         completer->directoryLoaded(path);
+                         if (completer)
+                             completer->directoryLoaded(path);
                      });
 }
 
@@ -171,7 +176,7 @@ void RemoteFileDialogBasePrivate::connectWidgets()
                      &RemoteFileDialogBase::_q_autoCompleteFileName);
     QObject::connect(ui.fileNameEdit, &QLineEdit::textChanged, q,
                      &RemoteFileDialogBase::_q_updateOkButton);
-    QObject::connect(ui.fileNameEdit, &QLineEdit::textEdited, q,
+    QObject::connect(ui.fileNameEdit, &QLineEdit::textEdited, completer,
                      [this](const QString &text) { completer->prepare(text); });
     QObject::connect(ui.fileNameEdit, &QLineEdit::returnPressed, q, &RemoteFileDialogBase::accept);
 
@@ -307,18 +312,33 @@ void RemoteFileDialogBasePrivate::setProxyModel(QAbstractProxyModel *proxy)
         proxy->setParent(q);
         proxy->setSourceModel(context.model);
     }
-    attachViews();
-    completer->setModel(context.viewModel());
+    const auto showIt = [this] {
+        attachViews();
+        if (completer)
+            completer->setModel(context.viewModel());
+    };
+    showIt();
     if (former) {
         former->disconnect(q);
         if (former->sourceModel() == context.model)
             former->setSourceModel(nullptr);
     }
     if (proxy)
-        QObject::connect(proxy, &QObject::destroyed, q, [this] {
-            attachViews();
-            completer->setModel(context.viewModel());
-        });
+        QObject::connect(proxy, &QObject::destroyed, q, showIt);
+}
+
+void RemoteFileDialogBasePrivate::showPlaces(const QList<QUrl> &places)
+{
+    // The side bar looks each of them up. Whoever serves a deep one tells of those above as well.
+    QStringList paths;
+    for (const QUrl &place : places)
+        paths.append(place.toLocalFile());
+    std::sort(paths.begin(), paths.end(),
+              [](const QString &a, const QString &b) { return a.size() > b.size(); });
+    for (const QString &path : qAsConst(paths))
+        context.model->index(path);
+    context.ui.sidebar->setUrls(places);
+    context.ui.sidebar->selectUrl(QUrl::fromLocalFile(context.rootPath()));
 }
 
 DialogState RemoteFileDialogBasePrivate::state() const
@@ -345,11 +365,11 @@ bool RemoteFileDialogBasePrivate::restore(const DialogState &state)
             sizes[i] = ui.splitter->widget(i)->sizeHint().width();
         ui.splitter->setSizes(sizes);
     }
-    ui.sidebar->setUrls(state.sidebarUrls);
-    navigation.recentPlaces = state.history.mid(qMax(0, state.history.size() - recentPlacesKept));
-
+    navigation.setRecentPlaces(state.history.mid(qMax(0, state.history.size() - recentPlacesKept)));
+    // Ahead of the places, many of which are above it.
     const QString last = DialogNavigation::lastVisitedDirectory();
     navigation.goTo(last.isEmpty() ? state.directory : last);
+    showPlaces(state.sidebarUrls);
     QHeaderView *const header = ui.treeView->header();
     if (!header->restoreState(state.header))
         return false;

@@ -25,7 +25,9 @@ public:
 
     static RemoteFileDialogBasePrivate *of(RemoteFileDialogBase *dialog) { return dialog->d.get(); }
 
-    void construct(const QString &directory, const QString &filter, const QString &caption);
+    /// Builds the dialog. `beginning` is where it begins whatever else is known, if it can.
+    void construct(const QString &directory, const QString &filter, const QString &caption,
+                   const QString &beginning = QString());
 
     /// Cuts what the children, which live a little longer, could still call.
     void cutConnections();
@@ -35,6 +37,8 @@ public:
     void setOptions(QFileDialog::Options options);
     void setViewMode(QFileDialog::ViewMode mode);
     void setProxyModel(QAbstractProxyModel *proxy);
+
+    void showPlaces(const QList<QUrl> &places);
 
     DialogState state() const;
     bool restore(const DialogState &state);
@@ -69,7 +73,7 @@ public:
     DialogFilters filters;
     DialogSelection selection;
     DialogOperations operations;
-    RemoteFSCompleter *completer = nullptr; ///< of the line edit, which owns it
+    QPointer<RemoteFSCompleter> completer; ///< of the line edit, which owns it; null if replaced
     QFileIconProvider *ownIconProvider = nullptr; ///< the model's own
     QPointer<QObject> receiver; ///< that open() has connected
     QByteArray receiverSignal;
