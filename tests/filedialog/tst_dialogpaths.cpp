@@ -123,6 +123,9 @@ void TestDialogPaths::filtersGivePatternsNameAndSuffix()
     QCOMPARE(tul::splitNameFilters(q("A (*.a)\nB (*.b)")), parts("A (*.a)|B (*.b)"));
     QCOMPARE(tul::splitNameFilters(q("A;;;;B\nC")), QStringList({q("A"), QString(), q("B C")}));
     QVERIFY(tul::splitNameFilters(QString()).isEmpty());
+    for (const char *const shown : {"A", "A (*.a)"})
+        QCOMPARE(tul::filterShownAs(q(shown), parts("B (*.b)|A (*.a)")), q("A (*.a)"));
+    QCOMPARE(tul::filterShownAs(q("C"), parts("B (*.b)|A (*.a)")), q("C"));
 
     const char *const rows[][4] = {// filter, patterns, name, suffix
                                    {"Sources (*.c *.h)", "*.c|*.h", "Sources", "c"},
@@ -136,6 +139,7 @@ void TestDialogPaths::filtersGivePatternsNameAndSuffix()
                                    {"*.a *.b", "*.a|*.b", "*.a *.b", nullptr},
                                    {"None ()", "", "None", nullptr},
                                    {"Open (*.a", "Open|(*.a", "Open (*.a", nullptr},
+                                   {"A (*.a)\nB (*.b)", "*.b", "A (*.a)\nB", nullptr},
                                    {"A (*.a);;B (*.b)", "*.b", "A (*.a);;B", nullptr}};
     for (const auto &[filter, patterns, name, suffix] : rows) {
         QCOMPARE(tul::patternsOfFilter(q(filter)), parts(patterns));

@@ -37,9 +37,7 @@ class TestDialogState : public TestCase
 
 private Q_SLOTS:
     void hasItsFieldsInTheAgreedOrder();
-    void refusesWhatIsNoState_data();
     void refusesWhatIsNoState();
-    void refusesBytesThatAreCutOff();
     void survivesAnyBytes();
 };
 
@@ -61,32 +59,19 @@ void TestDialogState::hasItsFieldsInTheAgreedOrder()
     QCOMPARE(DialogState::fromBytes(read.toBytes())->toBytes(), read.toBytes());
 }
 
-void TestDialogState::refusesWhatIsNoState_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    const int urls = 8 + 4 + someState().splitter.size();
-    QTest::newRow("nothing") << QByteArray();
-    QTest::newRow("another magic") << patched(0, 191);
-    QTest::newRow("another version") << patched(4, 4);
-    QTest::newRow("more places than bytes") << patched(urls, 0x3fffffff);
-    QTest::newRow("a negative number of places") << patched(urls, 0xffffffff);
-    QTest::newRow("a few places too many") << patched(urls, 9);
-}
-
 void TestDialogState::refusesWhatIsNoState()
-{
-    QFETCH(const QByteArray, bytes);
-    QVERIFY(!DialogState::fromBytes(bytes));
-    // Of all the numbers the view mode alone may be any.
-    const auto state = DialogState::fromBytes(patched(someState().toBytes().size() - 4, 77));
-    QCOMPARE(state->viewMode, QFileDialog::List);
-}
-
-void TestDialogState::refusesBytesThatAreCutOff()
 {
     const QByteArray bytes = someState().toBytes();
     for (int size = 0; size < bytes.size(); ++size)
         QVERIFY2(!DialogState::fromBytes(bytes.left(size)), qPrintable(QString::number(size)));
+    const int places = 8 + 4 + someState().splitter.size();
+    const QVector<QPair<int, quint32>> numbers{
+        {0, 191}, {4, 4}, {places, 0x3fffffff}, {places, 0xffffffff}, {places, 9}};
+    for (const auto &[position, number] : numbers)
+        QVERIFY2(!DialogState::fromBytes(patched(position, number)),
+                 qPrintable(QString::number(number)));
+    // The view mode alone may be any.
+    QCOMPARE(DialogState::fromBytes(patched(bytes.size() - 4, 77))->viewMode, QFileDialog::List);
 }
 
 void TestDialogState::survivesAnyBytes()

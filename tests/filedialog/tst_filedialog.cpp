@@ -1,9 +1,13 @@
+#include <private/qguiapplication_p.h>
+#include <qpa/qplatformtheme.h>
+
 #include <tul-util-gui/filedialog/executablefileiconprovider_p.h>
 #include <tul-util-gui/filedialog/filedialog.h>
 #include <tul-util-gui/filedialog/filedialog_p.h>
 #include <tul-util-gui/filedialog/remotefiledialog.h>
 
 #include <backends/folder/folderengine.h>
+#include <support/literal.h>
 #include <support/modalsteps.h>
 #include <support/testcase.h>
 
@@ -14,28 +18,21 @@
 #include <QListView>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QTranslator>
 #include <QtTest>
-
-using T = const QString &;
-using Request = std::function<QString(T caption, T dir)>;
-Q_DECLARE_METATYPE(Request)
 
 namespace
 {
-
-QString q(const char *text)
-{
-    return QString::fromLatin1(text);
-}
 
 /// Puts in a name, as by pasting, which brings up no completions, and clicks on Open, Save or
 /// Choose.
 void enter(QWidget *dialog, const QString &name)
 {
-    dialog->findChild<QLineEdit *>(q("fileNameEdit"))->setText(name);
-    auto *const buttons = dialog->findChild<QDialogButtonBox *>(q("buttonBox"));
+    dialog->findChild<QLineEdit *>("fileNameEdit"_s)->setText(name);
+    auto *const buttons = dialog->findChild<QDialogButtonBox *>("buttonBox"_s);
     QTest::mouseClick(buttons->buttons().constFirst(), Qt::LeftButton);
 }
 
@@ -57,6 +54,37 @@ void cancel(QWidget *window)
     QTest::keyClick(window, Qt::Key_Escape);
 }
 
+/// Goes to another name filter.
+void choose(QWidget *window, Qt::Key key)
+{
+    auto *const types = window->findChild<QComboBox *>("fileTypeCombo"_s);
+    types->setFocus();
+    QTest::keyClick(types, key);
+}
+
+/// Knows the words of the executable picker only.
+class Dutch : public QTranslator
+{
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char *, const char *text, const char *, int) const override
+    {
+        const bool known = QByteArray(text).startsWith("Executable Files");
+        return known ? "Programma's (*);; Alle bestanden (*)"_s : QString();
+    }
+};
+
+class AskedTheme : public QPlatformTheme
+{
+public:
+    QIcon fileIcon(const QFileInfo &, IconOptions) const override
+    {
+        ++asked;
+        return {};
+    }
+    mutable int asked = 0;
+};
+
 } // namespace
 
 class TestFileDialog : public TestCase
@@ -70,7 +98,6 @@ private Q_SLOTS:
     void captionTellsThePurpose();
     void suffixIsAddedUnlessItIsThere();
     void flagsChooseTheSide();
-    void nextRequestStartsWhereThePurposeEnded_data();
     void nextRequestStartsWhereThePurposeEnded();
     void cancellingGivesNothingAndForgetsNothing();
     void refusingToReplaceAsksAgain();
@@ -94,10 +121,10 @@ void TestFileDialog::init()
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_settings.path());
     m_folder = std::make_unique<QTemporaryDir>();
     m_engine = std::make_unique<FolderEngine>(m_folder->path());
-    QVERIFY(QDir(m_folder->path()).mkpath(q("one/deep")));
-    makeFile(q("one/a.txt"));
-    makeFile(q("one/b.txt"));
-    makeFile(q("one/tool"), true);
+    QVERIFY(QDir(m_folder->path()).mkpath("one/deep"_s));
+    makeFile("one/a.txt"_s);
+    makeFile("one/b.txt"_s);
+    makeFile("one/tool"_s, true);
     FileDialog::setAllFilesLocal(true);
     FileDialog::setSourcesLocal(false);
 }
@@ -119,27 +146,27 @@ void TestFileDialog::makeFile(const QString &name, bool executable) const
 
 void TestFileDialog::captionTellsThePurpose()
 {
-    const char *const rows[][2] = {{"Open Core File", "core file"},
-                                   {"Choose core file", "core file"},
-                                   {"Choose Save Open x", "x"},
-                                   {"Open Save x", "save x"},
-                                   {"open File", "open file"},
-                                   {"Open", "open"},
-                                   {"", ""}};
+    const QString rows[][2] = {{"Open Core File"_s, "core file"_s},
+                               {"Choose core file"_s, "core file"_s},
+                               {"Choose Save Open x"_s, "x"_s},
+                               {"Open Save x"_s, "save x"_s},
+                               {"open File"_s, "open file"_s},
+                               {"Open"_s, "open"_s},
+                               {}};
     for (const auto &[caption, key] : rows)
-        QCOMPARE(tul::purposeKey(q(caption)), q(key));
+        QCOMPARE(tul::purposeKey(caption), key);
 }
 
 void TestFileDialog::suffixIsAddedUnlessItIsThere()
 {
-    const char *const rows[][3] = {{"/a/x", nullptr, "/a/x"},
-                                   {"/a/x", "txt", "/a/x.txt"},
-                                   {"/a/notes.md", "txt", "/a/notes.md.txt"},
-                                   {"/a/notes.txt", "txt", "/a/notes.txt"},
-                                   {"/a/notes.TXT", "txt", "/a/notes.TXT.txt"},
-                                   {"/a/x.tar.gz", "tar.gz", "/a/x.tar.gz"}};
+    const QString rows[][3] = {{"/a/x"_s, {}, "/a/x"_s},
+                               {"/a/x"_s, "txt"_s, "/a/x.txt"_s},
+                               {"/a/notes.md"_s, "txt"_s, "/a/notes.md.txt"_s},
+                               {"/a/notes.txt"_s, "txt"_s, "/a/notes.txt"_s},
+                               {"/a/notes.TXT"_s, "txt"_s, "/a/notes.TXT.txt"_s},
+                               {"/a/x.tar.gz"_s, "tar.gz"_s, "/a/x.tar.gz"_s}};
     for (const auto &[answer, suffix, fileName] : rows)
-        QCOMPARE(tul::withSuffix(q(answer), q(suffix)), q(fileName));
+        QCOMPARE(tul::withSuffix(answer, suffix), fileName);
 }
 
 void TestFileDialog::flagsChooseTheSide()
@@ -174,86 +201,61 @@ void TestFileDialog::flagsChooseTheSide()
     }
 }
 
-void TestFileDialog::nextRequestStartsWhereThePurposeEnded_data()
-{
-    QTest::addColumn<bool>("remote");
-    QTest::addColumn<Request>("request");
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QString>("remembered");
-
-    const struct {
-        const char *name;
-        Request request;
-        const char *typed, *remembered;
-    } rows[] = {
-        {"open", [](T c, T d) { return FileDialog::getRemoteOpenFileName(nullptr, c, d); }, "a.txt",
-         "one"},
-        {"open many",
-         [](T c, T d) { return FileDialog::getRemoteOpenFileNames(nullptr, c, d).value(0); },
-         "\"b.txt\" \"a.txt\"", "one"},
-        {"save", [](T c, T d) { return FileDialog::getRemoteSaveFileName(nullptr, c, d); },
-         "new.txt", "one"},
-        {"directory",
-         [](T c, T d) { return FileDialog::getRemoteExistingDirectory(nullptr, c, d); }, "deep",
-         "one/deep"},
-        {"program", [](T c, T d) { return FileDialog::getRemoteExecutableFileName(nullptr, c, d); },
-         "tool", "one"}};
-    for (const bool remote : {false, true}) {
-        for (const auto &row : rows)
-            QTest::addRow("%s %s", remote ? "remote" : "local", row.name)
-                << remote << row.request << q(row.typed) << q(row.remembered);
-    }
-}
-
 void TestFileDialog::nextRequestStartsWhereThePurposeEnded()
 {
-    QFETCH(const bool, remote);
-    QFETCH(const Request, request);
-    QFETCH(const QString, typed);
-    QFETCH(const QString, remembered);
-    FileDialog::setAllFilesLocal(!remote);
-    const QString top = remote ? QString() : m_folder->path();
-    const QString caption = QString::fromLatin1(QTest::currentDataTag());
-    const QString prefix = remote ? q("remote:") : QString();
-
-    QString next;
-    QString other;
-    const auto directoryOf = [](QWidget *window) {
-        const auto *const ours = qobject_cast<RemoteFileDialog *>(window);
-        return ours ? ours->directory().path()
-                    : qobject_cast<QFileDialog *>(window)->directory().path();
-    };
-    const ModalSteps steps({
-        [typed](QWidget *window) { enter(window, typed); },
-        [&](QWidget *window) {
-            next = directoryOf(window);
-            cancel(window);
-        },
-        [&](QWidget *window) {
-            other = directoryOf(window);
-            cancel(window);
-        },
-    });
-    const QString result = request(q("Open ") + caption, top + q("/one"));
-    QVERIFY2(result.startsWith(top + q("/one/")), qPrintable(result));
-    QCOMPARE(request(q("Choose ") + caption.toUpper(), QString()), QString());
-    QCOMPARE(next, prefix + top + QLatin1Char('/') + remembered);
-    QCOMPARE(request(caption, top + q("/one/deep")), QString());
-    QCOMPARE(other, prefix + top + q("/one/deep"));
+    using Text = const QString &;
+    const struct {
+        QString caption;
+        std::function<QString(Text caption, Text dir)> ask;
+        QString typed, remembered;
+    } rows[] = {
+        {"file"_s, [](Text c, Text d) { return FileDialog::getRemoteOpenFileName({}, c, d); },
+         "a.txt"_s, "/one"_s},
+        {"files"_s,
+         [](Text c, Text d) { return FileDialog::getRemoteOpenFileNames({}, c, d).value(0); },
+         "\"b.txt\" \"a.txt\""_s, "/one"_s},
+        {"new file"_s, [](Text c, Text d) { return FileDialog::getRemoteSaveFileName({}, c, d); },
+         "new.txt"_s, "/one"_s},
+        {"directory"_s,
+         [](Text c, Text d) { return FileDialog::getRemoteExistingDirectory({}, c, d); }, "deep"_s,
+         "/one/deep"_s},
+        {"program"_s,
+         [](Text c, Text d) { return FileDialog::getRemoteExecutableFileName({}, c, d); }, "tool"_s,
+         "/one"_s}};
+    for (const bool remote : {false, true}) {
+        FileDialog::setAllFilesLocal(!remote);
+        const QString top = remote ? QString() : m_folder->path();
+        const QString shown = remote ? "remote:"_s : top;
+        for (const auto &row : rows) {
+            QStringList directories;
+            const ModalSteps::Step look = [&](QWidget *window) {
+                const auto *const ours = qobject_cast<RemoteFileDialog *>(window);
+                const auto *const theirs = qobject_cast<QFileDialog *>(window);
+                directories.append(ours ? ours->directory().path() : theirs->directory().path());
+                cancel(window);
+            };
+            const ModalSteps steps(
+                {[&](QWidget *window) { enter(window, row.typed); }, look, look});
+            QVERIFY(row.ask("Open "_s + row.caption, top + "/one"_s).startsWith(top + "/one/"_s));
+            QCOMPARE(row.ask("Choose "_s + row.caption.toUpper(), QString()), QString());
+            QCOMPARE(row.ask(row.caption, top + "/one/deep"_s), QString());
+            QCOMPARE(directories, QStringList({shown + row.remembered, shown + "/one/deep"_s}));
+        }
+    }
 }
 
 void TestFileDialog::cancellingGivesNothingAndForgetsNothing()
 {
     FileDialog::setAllFilesLocal(false);
-    QString filter = q("Text (*.txt)");
+    QString filter = "Text (*.txt)"_s;
     const ModalSteps steps({cancel, cancel, cancel});
-    const QString two = q("All (*);;Text (*.txt)");
+    const QString two = "All (*);;Text (*.txt)"_s;
     QVERIFY(
         FileDialog::getRemoteOpenFileName(nullptr, QString(), QString(), two, &filter).isNull());
     QVERIFY(
         FileDialog::getRemoteSaveFileName(nullptr, QString(), QString(), two, &filter).isNull());
     QVERIFY(FileDialog::getLocalSaveFileName(nullptr, QString(), QString(), two, &filter).isNull());
-    QCOMPARE(filter, q("Text (*.txt)"));
+    QCOMPARE(filter, "Text (*.txt)"_s);
 }
 
 void TestFileDialog::refusingToReplaceAsksAgain()
@@ -261,42 +263,48 @@ void TestFileDialog::refusingToReplaceAsksAgain()
     QString first;
     QString second;
     const ModalSteps steps({
-        entering<QFileDialog>(q("a")),
+        entering<QFileDialog>("a"_s),
         pressing(QMessageBox::No, &first),
-        entering<QFileDialog>(q("b.txt")),
+        entering<QFileDialog>("b.txt"_s),
         pressing(QMessageBox::Yes, &second),
+        [](QWidget *window) {
+            choose(window, Qt::Key_Down);
+            enter(window, "a.txt"_s);
+        },
+        pressing(QMessageBox::No, &first),
+        cancel,
     });
-    const QString result = FileDialog::getLocalSaveFileName(nullptr, q("Save Notes"),
-                                                            path(q("one")), q("Text (*.txt)"));
-    QCOMPARE(steps.shown(), 4);
-    QCOMPARE(first, q("a.txt already exists.\nDo you want to replace it?"));
-    QCOMPARE(second, q("b.txt already exists.\nDo you want to replace it?"));
-    QCOMPARE(result, path(q("one/b.txt")));
+    const QString dir = path("one"_s);
+    QCOMPARE(FileDialog::getLocalSaveFileName(nullptr, "Save Notes"_s, dir, "Text (*.txt)"_s),
+             path("one/b.txt"_s));
+    QCOMPARE(first, "a.txt already exists.\nDo you want to replace it?"_s);
+    QCOMPARE(second, "b.txt already exists.\nDo you want to replace it?"_s);
+    QString filter = "All (*)"_s;
+    FileDialog::getLocalSaveFileName(nullptr, {}, dir, "All (*);;Text (*.txt)"_s, &filter);
+    QCOMPARE(filter, "All (*)"_s); // it was cancelled in the end
+    QCOMPARE(steps.shown(), 7);
 }
 
 void TestFileDialog::remoteSaveFollowsTheFilter()
 {
     FileDialog::setAllFilesLocal(false);
-    const QString filters = q("Sources (*.c *.h);;Text (*.txt)");
-    QString filter = q("Text (*.txt)");
-    const ModalSteps steps({
-        entering<RemoteFileDialog>(q("plain")),
-        entering<RemoteFileDialog>(q("plain")),
-        ModalSteps::with<RemoteFileDialog>([](RemoteFileDialog *dialog) {
-            auto *const types = dialog->findChild<QComboBox *>(q("fileTypeCombo"));
-            types->setFocus();
-            QTest::keyClick(types, Qt::Key_Up);
-            enter(dialog, q("plain"));
-        }),
-    });
-    const QString dir = q("/one");
-    QCOMPARE(FileDialog::getRemoteSaveFileName(nullptr, QString(), dir, q("Text (*.txt)")),
-             q("/one/plain.txt"));
-    QCOMPARE(FileDialog::getRemoteSaveFileName(nullptr, QString(), dir, filters, &filter),
-             q("/one/plain.txt"));
-    QCOMPARE(FileDialog::getRemoteSaveFileName(nullptr, QString(), dir, filters, &filter),
-             q("/one/plain.c"));
-    QCOMPARE(filter, q("Sources (*.c *.h)"));
+    const QString both = "Sources (*.c *.h);;Text (*.txt)"_s;
+    QString filter = "Text (*.txt)"_s;
+    const auto save = [&filter](const QString &filters, QFileDialog::Options options = {}) {
+        return FileDialog::getRemoteSaveFileName({}, {}, "/one/new.txt"_s, filters, &filter,
+                                                 options);
+    };
+    const auto plain = entering<RemoteFileDialog>("plain"_s);
+    const auto other = [](QWidget *window) {
+        choose(window, Qt::Key_Up);
+        enter(window, "plain"_s);
+    };
+    const ModalSteps steps({plain, plain, plain, other});
+    QCOMPARE(save("Text (*.txt)"_s), "/one/plain.txt"_s);
+    QCOMPARE(save(both), "/one/plain.txt"_s);
+    QCOMPARE(save(both, QFileDialog::HideNameFilterDetails), "/one/plain.txt"_s);
+    QCOMPARE(save(both, QFileDialog::HideNameFilterDetails), "/one/plain.c"_s);
+    QCOMPARE(filter, "Sources (*.c *.h)"_s);
 }
 
 void TestFileDialog::parentGoesWhileTheDialogIsUp()
@@ -314,31 +322,34 @@ void TestFileDialog::parentGoesWhileTheDialogIsUp()
 void TestFileDialog::executablePickerNarrowsItsList()
 {
     const auto rows = [](QWidget *window) {
-        const auto *const view = window->findChild<QListView *>(q("listView"));
+        const auto *const view = window->findChild<QListView *>("listView"_s);
         QStringList names;
         for (int row = 0; row < view->model()->rowCount(view->rootIndex()); ++row)
             names += view->model()->index(row, 0, view->rootIndex()).data().toString();
-        names.sort();
         return names;
     };
-    const QStringList programs = {q("deep"), q("tool")};
-    const QStringList all = {q("a.txt"), q("b.txt"), q("deep"), q("tool")};
-    for (const bool remote : {false, true}) {
+    const QStringList programs = {"deep"_s, "tool"_s};
+    const QStringList all = {"deep"_s, "a.txt"_s, "b.txt"_s, "tool"_s};
+    Dutch dutch;
+    for (const int flags : {0, 1, 2, 3}) {
+        const bool remote = flags & 1;
+        if (flags & 2)
+            QCoreApplication::installTranslator(&dutch);
         FileDialog::setAllFilesLocal(!remote);
         const ModalSteps steps({[&](QWidget *window) {
             QTRY_COMPARE(rows(window), programs);
-            auto *const types = window->findChild<QComboBox *>(q("fileTypeCombo"));
-            types->setFocus();
-            QTest::keyClick(types, Qt::Key_Down);
+            choose(window, Qt::Key_Down);
             QTRY_COMPARE(rows(window), all);
-            QTest::keyClick(types, Qt::Key_Up);
+            choose(window, Qt::Key_Up);
             QTRY_COMPARE(rows(window), programs);
-            enter(window, q("tool"));
+            enter(window, "tool"_s);
         }});
         const QString top = remote ? QString() : m_folder->path();
-        const QString chosen
-            = FileDialog::getRemoteExecutableFileName(nullptr, q("Open Program"), top + q("/one"));
-        QCOMPARE(chosen, top + q("/one/tool"));
+        const QString chosen = FileDialog::getRemoteExecutableFileName(
+            nullptr, "Open Program"_s, top + "/one"_s,
+            flags & 2 ? QFileDialog::HideNameFilterDetails : QFileDialog::Options());
+        QCoreApplication::removeTranslator(&dutch);
+        QCOMPARE(chosen, top + "/one/tool"_s);
     }
 }
 
@@ -346,11 +357,20 @@ void TestFileDialog::programsHaveAPictureOfTheirOwn()
 {
     const FileDialog::ExecutableFileIconProvider icons;
     const auto cacheKey
-        = [&](const QString &name) { return icons.icon(QFileInfo(path(name))).cacheKey(); };
-    const qint64 program = cacheKey(q("one/tool"));
-    QVERIFY(!icons.icon(QFileInfo(path(q("one/tool")))).availableSizes().isEmpty());
-    QVERIFY(program != cacheKey(q("one/a.txt")));
-    QVERIFY(program != cacheKey(q("one")));
+        = [&](const QString &name) { return icons.icon(QFileInfo(name)).cacheKey(); };
+    const qint64 program = cacheKey(path("one/tool"_s));
+    QVERIFY(!icons.icon(QFileInfo(path("one/tool"_s))).availableSizes().isEmpty());
+    QVERIFY(program != cacheKey(path("one/a.txt"_s)));
+    QVERIFY(program != cacheKey(path("one"_s)));
+    QCOMPARE(cacheKey("remote:/one/tool"_s), program);
+
+    // A theme would open a file to learn its type.
+    AskedTheme theme;
+    const QScopedValueRollback<QPlatformTheme *> inUse(QGuiApplicationPrivate::platform_theme,
+                                                       &theme);
+    for (const QString &name : {"/one/a.txt"_s, "/one"_s, QString()})
+        icons.icon(QFileInfo("remote:"_s + name));
+    QCOMPARE(theme.asked, 0);
 }
 
 QTEST_MAIN(TestFileDialog)

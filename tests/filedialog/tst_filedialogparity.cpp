@@ -60,7 +60,7 @@ public:
     {
         m_trace.clear();
         perform(step.section(QLatin1Char(' '), 0, 0),
-                step.section(QLatin1Char(' '), 1).replace(s("ROOT"), m_root));
+                step.section(QLatin1Char(' '), 1).replace("ROOT"_s, m_root));
         settle();
         return m_trace + state();
     }
@@ -76,16 +76,16 @@ private:
 
     void note(const char *what, const QString &value)
     {
-        m_trace.append(s("%1(%2)").arg(QLatin1String(what), brief(value)));
+        m_trace.append("%1(%2)"_s.arg(QLatin1String(what), brief(value)));
     }
 
     /// Paths without what differs between runs, and texts in which the two differ on purpose.
     QString brief(QString text) const
     {
-        text.replace(m_root, s("ROOT"));
-        text.replace(QFileInfo(m_root).path(), s("UP"));
-        text.replace(s("My Computer"), s("Computer"));
-        return text.replace(s("Are sure you"), s("Are you sure you"));
+        text.replace(m_root, "ROOT"_s);
+        text.replace(QFileInfo(m_root).path(), "UP"_s);
+        text.replace("My Computer"_s, "Computer"_s);
+        return text.replace("Are sure you"_s, "Are you sure you"_s);
     }
 
     void answerModal()
@@ -93,7 +93,7 @@ private:
         if (auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget())) {
             for (const QAction *const action : menu->actions())
                 note("menu",
-                     s("%1 %2 %3")
+                     "%1 %2 %3"_s
                          .arg(action->text())
                          .arg(action->isEnabled())
                          .arg(action->isChecked()));
@@ -104,7 +104,7 @@ private:
             return;
         QStringList buttons{box->windowTitle(), box->text(), QString::number(box->icon())};
         for (QAbstractButton *const button : box->buttons())
-            buttons.append(button->text() + (button == box->defaultButton() ? s("*") : s("")));
+            buttons.append(button->text() + (button == box->defaultButton() ? "*"_s : ""_s));
         note("box", buttons.join(QLatin1Char('|')));
         const QString answer = m_answers.takeFirst();
         for (QAbstractButton *const button : box->buttons()) {
@@ -129,7 +129,7 @@ private:
     QSet<QString> expectedRows() const
     {
         const QString filter = dialog()->selectedNameFilter();
-        if (filter == s("Directories") && dialog()->filter() & QDir::Files)
+        if (filter == "Directories"_s && dialog()->filter() & QDir::Files)
             return shownRows(); // the name filters are still there, but not seen
         const bool named = filter.contains(QLatin1Char('('));
         const QString patterns = named ? filter.section(QLatin1Char('('), -1).chopped(1) : filter;
@@ -162,37 +162,37 @@ private:
         using Text = const QString &;
         Dialog *const d = dialog();
         const QHash<QString, std::function<void(Text)>> verbs{
-            {s("mode"), [d](Text a) { d->setFileMode(QFileDialog::FileMode(a.toInt())); }},
-            {s("save"), [d](Text) { d->setAcceptMode(QFileDialog::AcceptSave); }},
-            {s("open"), [d](Text) { d->setAcceptMode(QFileDialog::AcceptOpen); }},
-            {s("option"), [d](Text a) { d->setOption(QFileDialog::Option(a.toInt())); }},
-            {s("names"), [d](Text a) { d->setNameFilter(a); }},
-            {s("suffix"), [d](Text a) { d->setDefaultSuffix(a); }},
-            {s("dir"), [d](Text a) { d->setDirectory(a); }},
-            {s("select"), [d](Text a) { d->selectFile(a); }},
-            {s("history"), [d](Text a) { d->setHistory(a.split(QLatin1Char('|'))); }},
-            {s("places"),
+            {"mode"_s, [d](Text a) { d->setFileMode(QFileDialog::FileMode(a.toInt())); }},
+            {"save"_s, [d](Text) { d->setAcceptMode(QFileDialog::AcceptSave); }},
+            {"open"_s, [d](Text) { d->setAcceptMode(QFileDialog::AcceptOpen); }},
+            {"option"_s, [d](Text a) { d->setOption(QFileDialog::Option(a.toInt())); }},
+            {"names"_s, [d](Text a) { d->setNameFilter(a); }},
+            {"suffix"_s, [d](Text a) { d->setDefaultSuffix(a); }},
+            {"dir"_s, [d](Text a) { d->setDirectory(a); }},
+            {"select"_s, [d](Text a) { d->selectFile(a); }},
+            {"history"_s, [d](Text a) { d->setHistory(a.split(QLatin1Char('|'))); }},
+            {"places"_s,
              [d](Text a) {
-                 d->setSidebarUrls({QUrl::fromLocalFile(a), QUrl(s("file:"))});
+                 d->setSidebarUrls({QUrl::fromLocalFile(a), QUrl("file:"_s)});
              }},
-            {s("text"), [this](Text a) { edit()->setText(a); }},
-            {s("type"), [this](Text a) { type(a); }},
-            {s("key"), [this](Text a) { key(a); }},
-            {s("complete"), [this](Text a) { complete(a); }},
-            {s("lookin"), [this](Text a) { lookIn(a); }},
-            {s("edit"), [this](Text a) { editName(a); }},
-            {s("press"), [this](Text a) { child<QToolButton>(a.toLatin1())->click(); }},
-            {s("accept"),
+            {"text"_s, [this](Text a) { edit()->setText(a); }},
+            {"type"_s, [this](Text a) { type(a); }},
+            {"key"_s, [this](Text a) { key(a); }},
+            {"complete"_s, [this](Text a) { complete(a); }},
+            {"lookin"_s, [this](Text a) { lookIn(a); }},
+            {"edit"_s, [this](Text a) { editName(a); }},
+            {"press"_s, [this](Text a) { child<QToolButton>(a.toLatin1())->click(); }},
+            {"accept"_s,
              [this](Text) { child<QDialogButtonBox>("buttonBox")->buttons().at(0)->click(); }},
-            {s("action"), [this](Text a) { child<QAction>(a.toLatin1())->trigger(); }},
-            {s("menu"), [this](Text a) { openMenu(a); }},
-            {s("click"), [this](Text a) { click(a); }},
-            {s("ctrl"), [this](Text a) { click(a, Qt::ControlModifier); }},
-            {s("shift"), [this](Text a) { click(a, Qt::ShiftModifier); }},
-            {s("double"), [this](Text a) { doubleClick(a); }},
-            {s("side"), [this](Text a) { side(a.toInt()); }},
-            {s("filter"), [this](Text a) { pickFilter(a == s("Up") ? Qt::Key_Up : Qt::Key_Down); }},
-            {s("answer"), [this](Text a) { m_answers.append(a); }}};
+            {"action"_s, [this](Text a) { child<QAction>(a.toLatin1())->trigger(); }},
+            {"menu"_s, [this](Text a) { openMenu(a); }},
+            {"click"_s, [this](Text a) { click(a); }},
+            {"ctrl"_s, [this](Text a) { click(a, Qt::ControlModifier); }},
+            {"shift"_s, [this](Text a) { click(a, Qt::ShiftModifier); }},
+            {"double"_s, [this](Text a) { doubleClick(a); }},
+            {"side"_s, [this](Text a) { side(a.toInt()); }},
+            {"filter"_s, [this](Text a) { pickFilter(a == "Up"_s ? Qt::Key_Up : Qt::Key_Down); }},
+            {"answer"_s, [this](Text a) { m_answers.append(a); }}};
         QVERIFY2(verbs.contains(verb), qPrintable(verb));
         verbs.value(verb)(arg);
     }
@@ -226,7 +226,7 @@ private:
     void key(const QString &arg)
     {
         QWidget *const target
-            = arg.startsWith(s("view ")) ? static_cast<QWidget *>(view()) : edit();
+            = arg.startsWith("view "_s) ? static_cast<QWidget *>(view()) : edit();
         dialog()->activateWindow();
         target->setFocus();
         const int code = QKeySequence(arg.section(QLatin1Char(' '), -1))[0];
@@ -261,7 +261,7 @@ private:
             if (!box->itemText(i).isEmpty())
                 entries.append(
                     box->itemText(i)
-                    + (box->model()->index(i, 0).flags() & Qt::ItemIsEnabled ? s("") : s("-")));
+                    + (box->model()->index(i, 0).flags() & Qt::ItemIsEnabled ? ""_s : "-"_s));
         }
         note("entries", entries.join(QLatin1Char('|')));
         const int chosen = box->findText(entry);
@@ -289,22 +289,22 @@ private:
 
     QStringList state() const
     {
-        QStringList lines{s("directory ") + dialog()->directory().path(),
-                          s("files ") + dialog()->selectedFiles().join(QLatin1Char('|')),
-                          s("history ") + dialog()->history().join(QLatin1Char('|')),
-                          s("filter %1 ").arg(int(dialog()->filter()), 0, 16)
+        QStringList lines{"directory "_s + dialog()->directory().path(),
+                          "files "_s + dialog()->selectedFiles().join(QLatin1Char('|')),
+                          "history "_s + dialog()->history().join(QLatin1Char('|')),
+                          "filter %1 "_s.arg(int(dialog()->filter()), 0, 16)
                               + dialog()->selectedNameFilter(),
-                          s("text ") + edit()->text(),
-                          s("look in ") + child<QComboBox>("lookInCombo")->currentText(),
-                          s("title %1 %2").arg(dialog()->windowTitle()).arg(dialog()->isVisible()),
-                          s("label ") + child<QLabel>("fileNameLabel")->text(),
-                          s("current ") + view()->currentIndex().data().toString()};
+                          "text "_s + edit()->text(),
+                          "look in "_s + child<QComboBox>("lookInCombo")->currentText(),
+                          "title %1 %2"_s.arg(dialog()->windowTitle()).arg(dialog()->isVisible()),
+                          "label "_s + child<QLabel>("fileNameLabel")->text(),
+                          "current "_s + view()->currentIndex().data().toString()};
         for (const QAbstractButton *const button : child<QDialogButtonBox>("buttonBox")->buttons())
-            lines.append(s("button %1 %2").arg(button->text()).arg(button->isEnabled()));
+            lines.append("button %1 %2"_s.arg(button->text()).arg(button->isEnabled()));
         for (const char *const name : {"backButton", "forwardButton", "toParentButton",
                                        "newFolderButton", "listModeButton", "detailModeButton"}) {
             const auto *const button = child<QToolButton>(name);
-            lines.append(s("%1 %2 %3")
+            lines.append("%1 %2 %3"_s
                              .arg(QLatin1String(name))
                              .arg(button->isEnabled())
                              .arg(button->isDown()));
@@ -314,8 +314,8 @@ private:
             selected.append(index.data().toString());
         const auto *const types = child<QComboBox>("fileTypeCombo");
         const Names filters = texts(types->model());
-        lines += {s("selected ") + selected.join(QLatin1Char('|')),
-                  s("types %1 %2").arg(types->isEnabled()).arg(filters.join(QLatin1Char('|')))};
+        lines += {"selected "_s + selected.join(QLatin1Char('|')),
+                  "types %1 %2"_s.arg(types->isEnabled()).arg(filters.join(QLatin1Char('|')))};
         if (dialog()->directory().path().startsWith(m_root))
             lines += rows();
         for (QString &line : lines)
@@ -335,7 +335,7 @@ template<class Dialog> QVector<QStringList> traces(const QStringList &steps)
 {
     const QTemporaryDir temporary;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, temporary.path());
-    const QDir root(temporary.filePath(s("root")));
+    const QDir root(temporary.filePath("root"_s));
     for (const char *const directory : {"sub/deep", "sub2", "empty"})
         root.mkpath(QLatin1String(directory));
     for (const char *const name : {"a.txt", "ab.txt", "b.png", "c d.txt", "noext", ".hidden",
@@ -453,20 +453,20 @@ void TestFileDialogParity::behavesAsTheDialogOfTheToolkit_data()
 void TestFileDialogParity::behavesAsTheDialogOfTheToolkit()
 {
     QFETCH(QString, steps);
-    QStringList list = steps.split(QRegularExpression(s(";(?!;|\\*)(?<!;;)")));
+    QStringList list = steps.split(QRegularExpression(";(?!;|\\*)(?<!;;)"_s));
     QVector<bool> differs;
     for (QString &step : list) {
         differs.append(step.startsWith(QLatin1Char('!')));
-        step.remove(s("!"));
+        step.remove("!"_s);
     }
     const auto theirs = traces<QFileDialog>(list);
     const auto ours = traces<RemoteFileDialogBase>(list);
     for (int i = 0; i < list.size(); ++i) {
         if (!differs.at(i))
             QVERIFY2(ours.at(i) == theirs.at(i),
-                     qPrintable(list.at(i) + s("\n--- theirs\n") + theirs.at(i).join(s("\n"))
-                                + s("\n--- ours\n") + ours.at(i).join(s("\n"))));
-        else if (list.at(i) != s("answer OK"))
+                     qPrintable(list.at(i) + "\n--- theirs\n"_s + theirs.at(i).join("\n"_s)
+                                + "\n--- ours\n"_s + ours.at(i).join("\n"_s)));
+        else if (list.at(i) != "answer OK"_s)
             QVERIFY2(ours.at(i) != theirs.at(i), qPrintable(list.at(i)));
     }
 }

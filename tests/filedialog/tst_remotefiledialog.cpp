@@ -1,6 +1,9 @@
 #include <support/faultyfolder.h>
+#include <support/literal.h>
 #include <support/modalsteps.h>
 #include <support/testcase.h>
+#include <tul-util-gui/filedialog/acceptdecision_p.h>
+#include <tul-util-gui/filedialog/dialognavigation_p.h>
 #include <tul-util-gui/filedialog/remotefiledialog.h>
 #include <tul-util-gui/filedialog/remoteproxymodel.h>
 #include <tul-util-gui/filesystemmodel/remotefilesystemmodel.h>
@@ -13,6 +16,7 @@
 #include <QStringListModel>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QToolButton>
 #include <QTreeView>
 
 #include <functional>
@@ -21,14 +25,9 @@
 namespace
 {
 
-QString q(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
 QStringList words(const char *text)
 {
-    return q(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    return QString::fromUtf8(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
 class Dialog : public RemoteFileDialog
@@ -41,8 +40,10 @@ public:
 
     using RemoteFileDialogBase::fileSystemModel;
 
-    QLineEdit *edit() const { return findChild<QLineEdit *>(q("fileNameEdit")); }
+    QLineEdit *edit() const { return findChild<QLineEdit *>("fileNameEdit"_s); }
+    QComboBox *lookIn() const { return findChild<QComboBox *>("lookInCombo"_s); }
     QString shown() const { return directory().path(); }
+    bool canGoBack() const { return findChild<QToolButton *>("backButton"_s)->isEnabled(); }
     QStringList places() const
     {
         QStringList paths;
@@ -61,11 +62,7 @@ public:
 
 RemoteFileDialog *s_hooked = nullptr;
 
-using Ask = std::function<QStringList(QString *filter)>;
-
 } // namespace
-
-Q_DECLARE_METATYPE(Ask)
 
 class TestRemoteFileDialog : public TestCase
 {
@@ -77,16 +74,16 @@ private Q_SLOTS:
 
     void pathsAreConvertedInRemoteDialogsOnly();
     void dialogBeginsOnItsSide();
+    void dialogAsksForItsOwnDirectoryOnly();
     void switchingSidesDropsWhatIsOfTheOther();
-    void textInTheLookInBoxLeadsToTheRemoteSide_data();
     void textInTheLookInBoxLeadsToTheRemoteSide();
+    void textStaysWhileTheDialogFollowsTheKeys();
     void typedNamesAreOfTheRemoteSide();
     void remoteDialogShowsRemoteRowsOnly();
     void directoriesComeFirstByNameAndSize();
     void newRowsOfALargeListingFindTheirPlaces();
     void foreignProxyModelsAreLeftAlone();
     void hookComesLastAndTheInstanceEndsWithAnyDialog();
-    void staticFunctionsReturnPathsWithoutPrefix_data();
     void staticFunctionsReturnPathsWithoutPrefix();
     void cancelledOrOrphanedDialogsReturnNothing();
 
@@ -100,15 +97,15 @@ void TestRemoteFileDialog::init()
     TestCase::init();
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_settings.path());
     m_far = std::make_unique<FaultyFolder>();
-    for (const char *const path : {"home/user/a.c", "home/user/b.c", "usr/lib/", "name/"})
-        QVERIFY(m_far->make(q(path)));
+    for (const QString &path : words("home/user/a.c home/user/b.c usr/lib/ name/"))
+        QVERIFY(m_far->make(path));
     // What is visited last outlives the dialogs.
     QCOMPARE(Dialog(RemoteFileDialog::AnyLocation, QDir::tempPath()).shown(), QDir::tempPath());
 }
 
 void TestRemoteFileDialog::cleanup()
 {
-    RemoteFileDialog::setRemotePrefix(q("remote:"));
+    RemoteFileDialog::setRemotePrefix("remote:"_s);
     RemoteFileDialog::setRemoteHomeDirectory(QString());
     RemoteFileDialog::setDefaultWorkingDirectory(QString());
     RemoteFileDialog::setHook(nullptr);
@@ -122,12 +119,12 @@ void TestRemoteFileDialog::pathsAreConvertedInRemoteDialogsOnly()
                                 RemoteFileDialog::AnyLocation}) {
         const bool remote = location == RemoteFileDialog::RemoteLocation;
         Dialog dialog(location);
-        QCOMPARE(dialog.mungePath(q("/a")), remote ? q("remote:/a") : q("/a"));
+        QCOMPARE(dialog.mungePath("/a"_s), remote ? "remote:/a"_s : "/a"_s);
         if (remote)
-            announceWarning(q("Path is not remote: /100%s"));
-        QCOMPARE(dialog.unmungePaths({q("/100%s"), q("remote:/a"), QString()}),
-                 QStringList({q("/100%s"), remote ? q("/a") : q("remote:/a"), QString()}));
-        QVERIFY(dialog.isRemotePath(q("remote:")) && !dialog.isRemotePath(q("REMOTE:/a")));
+            announceWarning("Path is not remote: /100%s"_s);
+        QCOMPARE(dialog.unmungePaths({"/100%s"_s, "remote:/a"_s, QString()}),
+                 QStringList({"/100%s"_s, remote ? "/a"_s : "remote:/a"_s, QString()}));
+        QVERIFY(dialog.isRemotePath("remote:"_s) && !dialog.isRemotePath("REMOTE:/a"_s));
         dialog.setFileMode(QFileDialog::ExistingFile);
         QVERIFY(dialog.selectedFile().isEmpty());
     }
@@ -138,102 +135,150 @@ void TestRemoteFileDialog::dialogBeginsOnItsSide()
     const QString local = QDir::tempPath();
     QCOMPARE(Dialog(RemoteFileDialog::LocalLocation).shown(), local);
     RemoteFileDialog::setDefaultWorkingDirectory(local); // of the other side
-    QCOMPARE(Dialog().shown(), q("remote:"));
+    QCOMPARE(Dialog().shown(), "remote:"_s);
     QCOMPARE(Dialog(RemoteFileDialog::LocalLocation).shown(), local); // that of its side
-    RemoteFileDialog::setDefaultWorkingDirectory(q("remote:/home"));
-    QCOMPARE(Dialog(RemoteFileDialog::RemoteLocation, q("/usr")).shown(), q("remote:/usr"));
+    RemoteFileDialog::setDefaultWorkingDirectory("remote:/gone"_s);
+    QCOMPARE(Dialog().shown(), "remote:"_s);
     QCOMPARE(Dialog(RemoteFileDialog::LocalLocation).shown(), QDir::homePath());
-    QCOMPARE(Dialog(RemoteFileDialog::RemoteLocation, q("/no")).shown(), q("remote:/home"));
+    m_far->broken = true;
+    QCOMPARE(Dialog().shown(), "."_s); // the level of the drives
+    m_far->broken = false;
+    RemoteFileDialog::setDefaultWorkingDirectory("remote:/home"_s);
+    for (const char *const row : {"/usr remote:/usr", "/no remote:/home"}) {
+        DialogNavigation::lastVisitedDirectory() = local;
+        const Dialog dialog(RemoteFileDialog::RemoteLocation, words(row).first());
+        QCOMPARE(dialog.shown(), words(row).last());
+        QVERIFY(!dialog.canGoBack());
+    }
     const RemoteFileDialog byFlags(nullptr, Qt::WindowFlags());
     QCOMPARE(byFlags.location(), RemoteFileDialog::RemoteLocation);
 }
 
+void TestRemoteFileDialog::dialogAsksForItsOwnDirectoryOnly()
+{
+    QVector<int> calls;
+    for (const char *const last : {"remote:/usr", "remote:/home/user"}) {
+        DialogNavigation::lastVisitedDirectory() = QLatin1String(last);
+        m_far->forgetCalls();
+        const Dialog dialog(RemoteFileDialog::RemoteLocation, "/usr"_s);
+        calls.append(m_far->calls(true));
+    }
+    QCOMPARE(calls.last(), calls.first());
+}
+
 void TestRemoteFileDialog::switchingSidesDropsWhatIsOfTheOther()
 {
-    RemoteFileDialog::setRemoteHomeDirectory(q("remote:/home/user"));
-    RemoteFileDialog::setDefaultWorkingDirectory(q("remote:/usr"));
+    RemoteFileDialog::setRemoteHomeDirectory("remote:/home/user"_s);
+    RemoteFileDialog::setDefaultWorkingDirectory("remote:/usr"_s);
     Dialog dialog(RemoteFileDialog::LocalLocation);
     const QString drives; // is local
-    dialog.setPlaces({drives, q("/tmp"), q("remote:/home"), q("other:/name")});
+    dialog.setPlaces({drives, "/tmp"_s, "remote:/home"_s, "other:/name"_s});
     dialog.setHistory(words("/tmp remote:/home /usr"));
     dialog.setLocation(RemoteFileDialog::RemoteLocation);
-    QCOMPARE(dialog.shown(), q("remote:/usr"));
+    QCOMPARE(dialog.shown(), "remote:/usr"_s);
     const QStringList places = words("remote:/home remote:/name remote:/usr remote:/home/user");
     QCOMPARE(dialog.places(), places);
     QCOMPARE(dialog.history(), words("remote:/home remote:/usr"));
     dialog.setLocation(RemoteFileDialog::RemoteLocation);
     QCOMPARE(dialog.places(), places); // none twice
-    RemoteFileDialog::setDefaultWorkingDirectory(q("remote:/home/user"));
+    RemoteFileDialog::setDefaultWorkingDirectory("remote:/home/user"_s);
     dialog.setPlaces({});
     dialog.setLocation(RemoteFileDialog::RemoteLocation);
     QCOMPARE(dialog.places(), words("remote:/home/user")); // working directory and home in one
 
     dialog.setPlaces(words("/tmp remote:/home"));
     dialog.setLocation(RemoteFileDialog::AnyLocation);
-    QCOMPARE(dialog.shown(), q("remote:/usr"));
+    QCOMPARE(dialog.shown(), "remote:/usr"_s);
     QCOMPARE(dialog.places().size(), 2);
     dialog.setLocation(RemoteFileDialog::LocalLocation);
     QCOMPARE(dialog.shown(), QDir::homePath());
     QCOMPARE(dialog.places(), words("/tmp"));
-    QCOMPARE(dialog.history().filter(q("remote:")), QStringList());
-}
-
-void TestRemoteFileDialog::textInTheLookInBoxLeadsToTheRemoteSide_data()
-{
-    QTest::addColumn<QString>("workingDirectory");
-    QTest::addColumn<QString>("shown");
-
-    QTest::newRow("/usr") << q("remote:/home") << q("remote:/usr");
-    QTest::newRow("user") << q("remote:/home") << q("remote:/home/user");
-    QTest::newRow("remote:user") << q("remote:/home") << q("remote:/home/user");
-    QTest::newRow("no such") << q("remote:/home") << q("remote:/home");
-    QTest::newRow("../..") << q("remote:/home") << q("remote:");
-    QTest::newRow("tmp") << QString() << q("/tmp"); // by design, for want of a directory
+    QCOMPARE(dialog.history().filter("remote:"_s), QStringList());
+    QVERIFY(!dialog.canGoBack());
 }
 
 void TestRemoteFileDialog::textInTheLookInBoxLeadsToTheRemoteSide()
 {
-    QFETCH(QString, workingDirectory);
-    QFETCH(QString, shown);
+    const char *const rows[][3] = {{"/usr", "remote:/home", "remote:/usr"},
+                                   {"/usr/lib", "remote:/home", "remote:/usr/lib"},
+                                   {"user", "remote:/home", "remote:/home/user"},
+                                   {"remote:user", "remote:/home", "remote:/home/user"},
+                                   {"no such", "remote:/home", "remote:/name"},
+                                   {"../..", "remote:/home", "remote:"},
+                                   // By design, for want of a working directory.
+                                   {"tmp", "", "/tmp"}};
+    for (const auto &[text, workingDirectory, shown] : rows) {
+        RemoteFileDialog::setDefaultWorkingDirectory(QLatin1String(workingDirectory));
+        Dialog any(RemoteFileDialog::AnyLocation, "remote:/name"_s);
+        Dialog remote(RemoteFileDialog::RemoteLocation, "/name"_s);
+        for (const Dialog *const dialog : {&any, &remote}) {
+            dialog->lookIn()->setEditText(QLatin1String(text));
+            QCOMPARE(dialog->shown(), "remote:/name"_s); // the check is queued
+        }
+        QCoreApplication::processEvents();
+        QCOMPARE(any.shown(), "remote:/name"_s);
+        QCOMPARE(remote.shown(), QLatin1String(shown));
+    }
+}
 
-    RemoteFileDialog::setDefaultWorkingDirectory(workingDirectory);
-    for (const auto location : {RemoteFileDialog::AnyLocation, RemoteFileDialog::RemoteLocation}) {
-        Dialog dialog(location);
-        QCoreApplication::processEvents();
-        const QString before = dialog.shown();
-        dialog.findChild<QComboBox *>(q("lookInCombo"))->setEditText(q(QTest::currentDataTag()));
-        QCOMPARE(dialog.shown(), before); // the check is queued
-        QCoreApplication::processEvents();
-        QCOMPARE(dialog.shown(), location == RemoteFileDialog::AnyLocation ? before : shown);
+void TestRemoteFileDialog::textStaysWhileTheDialogFollowsTheKeys()
+{
+    RemoteFileDialog::setRemoteHomeDirectory("remote:/home/user"_s);
+    RemoteFileDialog::setDefaultWorkingDirectory("remote:/home"_s);
+    const char *const rows[][2] = {{"/usr/lib", "remote:/usr/lib"},
+                                   {"user", "remote:/home/user"},
+                                   {"remote:user", "remote:/home/user"},
+                                   {"~", "remote:/home/user"},
+                                   {"lib", "remote:/usr"}};
+    for (const auto &[typed, shown] : rows) {
+        for (const Qt::Key end : {Qt::Key_Return, Qt::Key_Tab}) {
+            Dialog dialog(RemoteFileDialog::RemoteLocation, "/usr"_s);
+            dialog.show();
+            QVERIFY(QTest::qWaitForWindowActive(&dialog));
+            QComboBox *const lookIn = dialog.lookIn();
+            lookIn->setFocus();
+            lookIn->lineEdit()->selectAll();
+            for (const char *key = typed; *key != 0; ++key) {
+                QTest::keyClick(lookIn, *key);
+                QCoreApplication::processEvents();
+            }
+            QCOMPARE(lookIn->currentText(), QLatin1String(typed));
+            QTest::keyClick(lookIn, end);
+            if (end == Qt::Key_Return)
+                QCOMPARE(dialog.shown(), QLatin1String(shown));
+            QCOMPARE(lookIn->currentText(), dialog.shown());
+        }
     }
 }
 
 void TestRemoteFileDialog::typedNamesAreOfTheRemoteSide()
 {
-    RemoteFileDialog::setRemoteHomeDirectory(q("remote:/home/user"));
-    Dialog dialog(RemoteFileDialog::RemoteLocation, q("/home"));
-    dialog.edit()->setText(q("/etc/passwd"));
+    Dialog dialog(RemoteFileDialog::RemoteLocation, "/home"_s);
+    QVERIFY(QMetaObject::invokeMethod(&dialog, "_q_goHome"));
+    QCOMPARE(dialog.shown(), "remote:/home"_s); // where else
+    RemoteFileDialog::setRemoteHomeDirectory("remote:/home/user"_s);
+    dialog.edit()->setText("/etc/passwd"_s);
     QCOMPARE(dialog.typedFiles(), words("remote:/etc/passwd"));
-    dialog.edit()->setText(q("a"));
+    dialog.edit()->setText("a"_s);
     QCOMPARE(dialog.typedFiles(), words("remote:/home/a"));
-    QCOMPARE(dialog.tildeExpansion(q("~/src")), q("remote:/home/user/src"));
+    QCOMPARE(dialog.tildeExpansion("~/src"_s), "remote:/home/user/src"_s);
     qputenv("TUL_TEST_VARIABLE", "value");
-    const QString variable = q("$TUL_TEST_VARIABLE");
+    const QString variable = "$TUL_TEST_VARIABLE"_s;
     QCOMPARE(dialog.getEnvironmentVariable(variable), variable);
 
     dialog.setLocation(RemoteFileDialog::LocalLocation);
-    QCOMPARE(dialog.tildeExpansion(q("~")), QDir::homePath());
-    QCOMPARE(dialog.getEnvironmentVariable(variable), q("value"));
-    dialog.edit()->setText(q("/etc/passwd"));
+    QCOMPARE(dialog.tildeExpansion("~"_s), QDir::homePath());
+    QCOMPARE(dialog.getEnvironmentVariable(variable), "value"_s);
+    dialog.edit()->setText("/etc/passwd"_s);
     QCOMPARE(dialog.typedFiles(), words("/etc/passwd"));
 }
 
 void TestRemoteFileDialog::remoteDialogShowsRemoteRowsOnly()
 {
-    Dialog dialog(RemoteFileDialog::RemoteLocation, q("/home/user"));
+    Dialog dialog(RemoteFileDialog::RemoteLocation, "/home/user"_s);
     dialog.fileSystemModel()->index(QDir::tempPath());
     QCOMPARE(dialog.proxyModel()->rowCount(), 1);
-    const auto *const view = dialog.findChild<QTreeView *>(q("treeView"));
+    const auto *const view = dialog.findChild<QTreeView *>("treeView"_s);
     QTRY_COMPARE(dialog.proxyModel()->rowCount(view->rootIndex()), 2);
     dialog.setLocation(RemoteFileDialog::AnyLocation);
     QCOMPARE(dialog.proxyModel()->rowCount(), 2);
@@ -243,10 +288,10 @@ void TestRemoteFileDialog::remoteDialogShowsRemoteRowsOnly()
 
 void TestRemoteFileDialog::directoriesComeFirstByNameAndSize()
 {
-    QVERIFY(m_far->make(q("sort/a"), "long") && m_far->make(q("sort/b"), "b"));
-    QVERIFY(m_far->make(q("sort/d/")));
+    QVERIFY(m_far->make("sort/a"_s, "long") && m_far->make("sort/b"_s, "b"));
+    QVERIFY(m_far->make("sort/d/"_s));
     for (const char name : {'a', 'b'}) {
-        QFile file(m_far->local(q("sort/") + QLatin1Char(name)));
+        QFile file(m_far->local("sort/"_s + QLatin1Char(name)));
         QVERIFY(file.open(QIODevice::ReadWrite));
         QVERIFY(file.setFileTime(QDateTime::currentDateTime().addDays(name == 'a' ? -9 : 9),
                                  QFileDevice::FileModificationTime));
@@ -254,7 +299,7 @@ void TestRemoteFileDialog::directoriesComeFirstByNameAndSize()
     RemoteFileSystemModel files;
     RemoteProxyModel proxy;
     proxy.setSourceModel(&files);
-    const QPersistentModelIndex directory = files.setRootPath(q("remote:/sort"));
+    const QPersistentModelIndex directory = files.setRootPath("remote:/sort"_s);
     QTRY_COMPARE(files.rowCount(directory), 3);
     const QVector<QPair<int, const char *>> rows{{0, "d a b"}, {1, "d b a"}, {3, "a d b"}};
     for (const auto &[column, names] : rows) {
@@ -272,13 +317,13 @@ void TestRemoteFileDialog::newRowsOfALargeListingFindTheirPlaces()
     QStringList names;
     for (int i = 300; i < 600; ++i) {
         names.append(QString::number(i));
-        QVERIFY(m_far->make(q("large/") + names.last()));
+        QVERIFY(m_far->make("large/"_s + names.last()));
     }
     RemoteFileSystemModel files;
     RemoteProxyModel proxy;
     proxy.sort(0, Qt::DescendingOrder);
     proxy.setSourceModel(&files);
-    const QPersistentModelIndex directory = files.setRootPath(q("remote:/large"));
+    const QPersistentModelIndex directory = files.setRootPath("remote:/large"_s);
     const auto shown = [&] {
         QStringList result;
         const QModelIndex parent = proxy.mapFromSource(directory);
@@ -288,8 +333,8 @@ void TestRemoteFileDialog::newRowsOfALargeListingFindTheirPlaces()
     };
     QTRY_COMPARE(shown(), names);
     QTRY_VERIFY(proxy.dynamicSortFilter());
-    names.prepend(q("1"));
-    QVERIFY(m_far->make(q("large/1")));
+    names.prepend("1"_s);
+    QVERIFY(m_far->make("large/1"_s));
     files.refresh(directory);
     QTRY_COMPARE(shown(), names);
 }
@@ -309,7 +354,7 @@ void TestRemoteFileDialog::foreignProxyModelsAreLeftAlone()
     QStringListModel names(words("b a"));
     own->setSourceModel(&names);
     own->sort(0);
-    QCOMPARE(own->index(0, 0).data().toString(), q("a"));
+    QCOMPARE(own->index(0, 0).data().toString(), "a"_s);
 }
 
 void TestRemoteFileDialog::hookComesLastAndTheInstanceEndsWithAnyDialog()
@@ -317,70 +362,55 @@ void TestRemoteFileDialog::hookComesLastAndTheInstanceEndsWithAnyDialog()
     RemoteFileDialog::setHook([](RemoteFileDialog *dialog) {
         s_hooked = dialog;
         if (dialog->proxyModel() && RemoteFileDialog::instance() == dialog)
-            RemoteFileDialog::setRemoteHomeDirectory(q("remote:/home"));
+            RemoteFileDialog::setRemoteHomeDirectory("remote:/home"_s);
     });
     auto *const older = new Dialog;
     QCOMPARE(s_hooked, older);
-    QVERIFY(older->places().contains(q("remote:/home")));
+    QVERIFY(older->places().contains("remote:/home"_s));
     const Dialog newer;
     QCOMPARE(RemoteFileDialog::instance(), &newer);
     QString munged;
     connect(older, &RemoteFileDialog::aboutToBeDestroyed, this,
-            [&] { munged = older->mungePath(q("/a")); });
+            [&] { munged = older->mungePath("/a"_s); });
     delete older;
-    QCOMPARE(munged, q("remote:/a"));
+    QCOMPARE(munged, "remote:/a"_s);
     QVERIFY(!RemoteFileDialog::instance());
-}
-
-void TestRemoteFileDialog::staticFunctionsReturnPathsWithoutPrefix_data()
-{
-    QTest::addColumn<Ask>("ask");
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QString>("modes"); // file mode, accept mode
-    QTest::addColumn<QStringList>("chosen");
-
-    const QString dir = q("/home/user");
-    const QString all = q("Sources (*.c);;All (*)");
-    const Ask open = [=](QString *filter) {
-        return QStringList{RemoteFileDialog::getOpenFileName(nullptr, {}, dir, all, filter)};
-    };
-    const Ask openMany = [=](QString *filter) {
-        return RemoteFileDialog::getOpenFileNames(nullptr, {}, dir, all, filter);
-    };
-    const Ask save = [=](QString *filter) {
-        return QStringList{RemoteFileDialog::getSaveFileName(nullptr, {}, dir, all, filter)};
-    };
-    const Ask onlyDirectories = [=](QString * /*filter*/) {
-        return QStringList{RemoteFileDialog::getExistingDirectory(nullptr, {}, dir)};
-    };
-    const Ask directory = [=](QString * /*filter*/) {
-        return QStringList{RemoteFileDialog::getExistingDirectory(nullptr, {}, dir, {})};
-    };
-    QTest::newRow("open") << open << q("a.c") << q("1 0") << words("/home/user/a.c");
-    QTest::newRow("open many") << openMany << q("\"a.c\" \"b.c\"") << q("3 0")
-                               << words("/home/user/a.c /home/user/b.c");
-    QTest::newRow("save") << save << q("new.c") << q("0 1") << words("/home/user/new.c");
-    QTest::newRow("only dirs") << onlyDirectories << q("/usr/lib") << q("4 0") << words("/usr/lib");
-    QTest::newRow("directory") << directory << q("/usr/lib") << q("2 0") << words("/usr/lib");
 }
 
 void TestRemoteFileDialog::staticFunctionsReturnPathsWithoutPrefix()
 {
-    QFETCH(Ask, ask);
-    QFETCH(QString, typed);
-
-    QString modes;
-    const ModalSteps steps({ModalSteps::with<RemoteFileDialog>([&](RemoteFileDialog *dialog) {
-        modes = q("%1 %2").arg(dialog->fileMode()).arg(dialog->acceptMode());
-        QCOMPARE(dialog->directory().path(), q("remote:/home/user"));
-        auto *const edit = dialog->findChild<QLineEdit *>(q("fileNameEdit"));
-        edit->setText(typed);
-        QTest::keyClick(edit, Qt::Key_Return);
-    })});
-    QString filter = q("All (*)");
-    QTEST(ask(&filter), "chosen");
-    QTEST(modes, "modes");
-    QCOMPARE(filter, q("All (*)"));
+    const QString dir = "/home/user"_s;
+    const QString all = "Sources (*.c);;All (*)"_s;
+    QString filter = "All (*)"_s;
+    const struct {
+        std::function<QStringList()> ask;
+        const char *typed;
+        QFileDialog::FileMode mode;
+        const char *chosen;
+    } rows[] = {
+        {[&] { return QStringList{RemoteFileDialog::getOpenFileName({}, {}, dir, all, &filter)}; },
+         "a.c", QFileDialog::ExistingFile, "/home/user/a.c"},
+        {[&] { return RemoteFileDialog::getOpenFileNames({}, {}, dir, all, &filter); },
+         "\"a.c\" \"b.c\"", QFileDialog::ExistingFiles, "/home/user/a.c /home/user/b.c"},
+        {[&] { return QStringList{RemoteFileDialog::getSaveFileName({}, {}, dir, all, &filter)}; },
+         "new.c", QFileDialog::AnyFile, "/home/user/new.c"},
+        {[&] { return QStringList{RemoteFileDialog::getExistingDirectory({}, {}, dir)}; },
+         "/usr/lib", tul::directoryOnly, "/usr/lib"},
+        {[&] { return QStringList{RemoteFileDialog::getExistingDirectory({}, {}, dir, {})}; },
+         "/usr/lib", QFileDialog::Directory, "/usr/lib"}};
+    for (const auto &row : rows) {
+        const ModalSteps steps({ModalSteps::with<RemoteFileDialog>([&](RemoteFileDialog *dialog) {
+            QCOMPARE(dialog->fileMode(), row.mode);
+            const bool saves = row.mode == QFileDialog::AnyFile;
+            QCOMPARE(dialog->acceptMode() == QFileDialog::AcceptSave, saves);
+            QCOMPARE(dialog->directory().path(), "remote:/home/user"_s);
+            auto *const edit = dialog->findChild<QLineEdit *>("fileNameEdit"_s);
+            edit->setText(QLatin1String(row.typed));
+            QTest::keyClick(edit, Qt::Key_Return);
+        })});
+        QCOMPARE(row.ask(), words(row.chosen));
+        QCOMPARE(filter, "All (*)"_s);
+    }
 }
 
 void TestRemoteFileDialog::cancelledOrOrphanedDialogsReturnNothing()
@@ -388,9 +418,9 @@ void TestRemoteFileDialog::cancelledOrOrphanedDialogsReturnNothing()
     auto *const parent = new QWidget;
     const ModalSteps steps({ModalSteps::with<QDialog>([](QDialog *dialog) { dialog->reject(); }),
                             [parent](QWidget *) { delete parent; }});
-    QString filter = q("none of them");
-    QCOMPARE(RemoteFileDialog::getOpenFileName(nullptr, {}, {}, q("A (*.a)"), &filter), QString());
-    QCOMPARE(filter, q("none of them"));
+    QString filter = "none of them"_s;
+    QCOMPARE(RemoteFileDialog::getOpenFileName(nullptr, {}, {}, "A (*.a)"_s, &filter), QString());
+    QCOMPARE(filter, "none of them"_s);
     QCOMPARE(RemoteFileDialog::getOpenFileNames(parent), QStringList());
 }
 

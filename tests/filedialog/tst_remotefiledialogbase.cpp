@@ -125,7 +125,7 @@ void TestRemoteFileDialogBase::init()
     m_folder = std::make_unique<QTemporaryDir>();
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, path("settings"));
     DialogNavigation::lastVisitedDirectory().clear();
-    QVERIFY(QDir(m_folder->path()).mkpath(s("root/sub")));
+    QVERIFY(QDir(m_folder->path()).mkpath("root/sub"_s));
     QFile file(path("root/a.txt"));
     QVERIFY(file.open(QIODevice::WriteOnly));
 }
@@ -135,7 +135,7 @@ void TestRemoteFileDialogBase::isBuiltAsHostsKnowIt()
     const RemoteFileDialogBase dialog(nullptr, {}, path("root"));
     auto *const grid = qobject_cast<QGridLayout *>(dialog.layout());
     QVERIFY(grid);
-    QCOMPARE(grid->objectName(), s("gridLayout"));
+    QCOMPARE(grid->objectName(), "gridLayout"_s);
     const struct {
         const char *name;
         QRect cell; // column, row, columns, rows
@@ -150,7 +150,7 @@ void TestRemoteFileDialogBase::isBuiltAsHostsKnowIt()
         grid->getItemPosition(grid->indexOf(widget), &row, &column, &rowSpan, &columnSpan);
         QCOMPARE(QRect(column, row, columnSpan, rowSpan), cell);
     }
-    QCOMPARE(dialog.findChild<QComboBox *>()->objectName(), s("lookInCombo"));
+    QCOMPARE(dialog.findChild<QComboBox *>()->objectName(), "lookInCombo"_s);
     for (const char *const view : {"sidebar", "listView", "treeView"})
         QVERIFY(child<QAbstractItemView>(child<QSplitter>(&dialog, "splitter"), view));
     QCOMPARE(child<QStackedWidget>(&dialog, "stackedWidget")->currentIndex(), 0);
@@ -159,36 +159,36 @@ void TestRemoteFileDialogBase::isBuiltAsHostsKnowIt()
     QStringList order;
     const QWidget *widget = child<QWidget>(&dialog, "lookInCombo");
     for (int i = 0; i < 200; ++i, widget = widget->nextInFocusChain()) {
-        if (widget->focusPolicy() & Qt::TabFocus && !widget->objectName().startsWith(s("qt_"))
+        if (widget->focusPolicy() & Qt::TabFocus && !widget->objectName().startsWith("qt_"_s)
             && !widget->objectName().isEmpty() && !order.contains(widget->objectName()))
             order.append(widget->objectName());
     }
     QCOMPARE(order.join(QLatin1Char(' ')),
-             s("lookInCombo backButton forwardButton toParentButton newFolderButton "
+             "lookInCombo backButton forwardButton toParentButton newFolderButton "
                "listModeButton detailModeButton sidebar listView treeView fileNameEdit "
-               "fileTypeCombo"));
+               "fileTypeCombo"_s);
 
     for (const auto *const button :
-         dialog.findChildren<QToolButton *>(QRegularExpression(s("Button$")))) {
+         dialog.findChildren<QToolButton *>(QRegularExpression("Button$"_s))) {
         QVERIFY(!button->icon().isNull() && !button->accessibleName().isEmpty());
         QCOMPARE(button->toolTip(), button->accessibleName());
     }
     QCOMPARE(child<QToolButton>(&dialog, "newFolderButton")->accessibleDescription(),
-             s("Create a New Folder"));
+             "Create a New Folder"_s);
     QCOMPARE(child<QAction>(&dialog, "qt_goto_parent_action")->shortcut()[0], 0x4000001);
     QVERIFY(std::any_of(dialog.actions().cbegin(), dialog.actions().cend(),
                         [](const QAction *a) { return a->shortcut()[0] == 0x6000048; }));
-    QCOMPARE(dialog.nameFilters(), QStringList{s("All Files (*)")});
+    QCOMPARE(dialog.nameFilters(), QStringList{"All Files (*)"_s});
 }
 
 void TestRemoteFileDialogBase::headerShowsAndHidesColumns()
 {
     const RemoteFileDialogBase dialog(nullptr, {}, path("root"));
     const auto *const header = child<QTreeView>(&dialog, "treeView")->header();
-    QCOMPARE(header->sectionSize(1), header->fontMetrics().horizontalAdvance(s("128.88 GB")));
+    QCOMPARE(header->sectionSize(1), header->fontMetrics().horizontalAdvance("128.88 GB"_s));
     QCOMPARE(header->actions().size(), 3);
     QAction *const size = header->actions().constFirst();
-    QCOMPARE(size->text(), s("Show Size"));
+    QCOMPARE(size->text(), "Show Size"_s);
     QVERIFY(size->isChecked());
     size->trigger();
     QVERIFY(header->isSectionHidden(1));
@@ -214,38 +214,38 @@ void TestRemoteFileDialogBase::mnemonicsAreUnique()
 void TestRemoteFileDialogBase::followsTheLanguage()
 {
     RemoteFileDialogBase dialog(nullptr, {}, path("root"));
-    dialog.setLabelText(QFileDialog::Reject, s("No"));
+    dialog.setLabelText(QFileDialog::Reject, "No"_s);
     Brackets brackets;
     QCoreApplication::installTranslator(&brackets);
     QCoreApplication::sendPostedEvents(&dialog, QEvent::LanguageChange);
     QCoreApplication::processEvents();
-    QCOMPARE(dialog.windowTitle(), s("[Open]"));
-    QCOMPARE(dialog.labelText(QFileDialog::FileName), s("[File &name:]"));
-    QCOMPARE(dialog.labelText(QFileDialog::Accept), s("[&Open]"));
-    QCOMPARE(dialog.labelText(QFileDialog::Reject), s("No"));
-    QCOMPARE(dialog.selectedNameFilter(), s("[All Files (*)]"));
-    QCOMPARE(child<QAction>(&dialog, "qt_delete_action")->text(), s("[&Delete]"));
-    dialog.setWindowTitle(s("Mine"));
+    QCOMPARE(dialog.windowTitle(), "[Open]"_s);
+    QCOMPARE(dialog.labelText(QFileDialog::FileName), "[File &name:]"_s);
+    QCOMPARE(dialog.labelText(QFileDialog::Accept), "[&Open]"_s);
+    QCOMPARE(dialog.labelText(QFileDialog::Reject), "No"_s);
+    QCOMPARE(dialog.selectedNameFilter(), "[All Files (*)]"_s);
+    QCOMPARE(child<QAction>(&dialog, "qt_delete_action")->text(), "[&Delete]"_s);
+    dialog.setWindowTitle("Mine"_s);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
-    QCOMPARE(dialog.windowTitle(), s("Mine"));
+    QCOMPARE(dialog.windowTitle(), "Mine"_s);
     QCoreApplication::removeTranslator(&brackets);
 }
 
 void TestRemoteFileDialogBase::argumentsLeaveTheNameSelected()
 {
     RemoteFileDialogBaseArgs args;
-    args.caption = s("Pick");
+    args.caption = "Pick"_s;
     args.directory = path("root");
-    args.selection = s("a.txt");
-    args.filter = s("Text (*.txt)");
+    args.selection = "a.txt"_s;
+    args.filter = "Text (*.txt)"_s;
     args.mode = QFileDialog::ExistingFile;
     args.options = QFileDialog::ReadOnly;
     const OpenDialog dialog(args);
-    QCOMPARE(nameEdit(dialog)->selectedText(), s("a.txt"));
-    QCOMPARE(dialog.windowTitle(), s("Pick"));
+    QCOMPARE(nameEdit(dialog)->selectedText(), "a.txt"_s);
+    QCOMPARE(dialog.windowTitle(), "Pick"_s);
     QCOMPARE(dialog.fileMode(), QFileDialog::ExistingFile);
     QVERIFY(dialog.isReadOnly());
-    QCOMPARE(dialog.selectedNameFilter(), s("Text (*.txt)"));
+    QCOMPARE(dialog.selectedNameFilter(), "Text (*.txt)"_s);
 }
 
 void TestRemoteFileDialogBase::beginsWhereTheArgumentSays()
@@ -266,11 +266,11 @@ void TestRemoteFileDialogBase::beginsWhereTheArgumentSays()
 
 void TestRemoteFileDialogBase::keepsItsLayoutForTheNextDialog()
 {
-    const QList<QUrl> places{QUrl::fromLocalFile(path("root")), QUrl(s("file:"))};
+    const QList<QUrl> places{QUrl::fromLocalFile(path("root")), QUrl("file:"_s)};
     {
         RemoteFileDialogBase dialog(nullptr, {}, path("root"));
         dialog.setSidebarUrls(places);
-        dialog.setHistory({s("/one")});
+        dialog.setHistory({"/one"_s});
         dialog.setViewMode(QFileDialog::Detail);
         child<QTreeView>(&dialog, "treeView")->header()->actions().at(1)->trigger();
         child<QTreeView>(&dialog, "treeView")->header()->resizeSection(0, 333);
@@ -278,12 +278,12 @@ void TestRemoteFileDialogBase::keepsItsLayoutForTheNextDialog()
     const RemoteFileDialogBase dialog(nullptr, {}, path("root/sub"));
     QCOMPARE(dialog.sidebarUrls(), places);
     QCOMPARE(dialog.viewMode(), QFileDialog::Detail);
-    QCOMPARE(dialog.history(), (QStringList{s("/one"), path("root"), path("root/sub")}));
+    QCOMPARE(dialog.history(), (QStringList{"/one"_s, path("root"), path("root/sub")}));
     const auto *const header = child<QTreeView>(&dialog, "treeView")->header();
     QCOMPARE(header->sectionSize(0), 333);
     QVERIFY(header->isSectionHidden(2) && !header->actions().at(1)->isChecked());
-    QSettings settings(QSettings::UserScope, s("Vantorq"));
-    QVERIFY(settings.contains(s("RemoteFileDialog/state")));
+    QSettings settings(QSettings::UserScope, "Vantorq"_s);
+    QVERIFY(settings.contains("RemoteFileDialog/state"_s));
 }
 
 void TestRemoteFileDialogBase::refusedStateChangesNothing()
@@ -291,7 +291,7 @@ void TestRemoteFileDialogBase::refusedStateChangesNothing()
     RemoteFileDialogBase dialog(nullptr, {}, path("root"));
     const QByteArray before = dialog.saveState();
     DialogState state = *DialogState::fromBytes(before);
-    state.history = QStringList{s("/x")};
+    state.history = QStringList{"/x"_s};
     QByteArray bytes = state.toBytes();
     bytes[7] = 4;
     QVERIFY(!dialog.restoreState(bytes) && !dialog.restoreState({}));
@@ -303,9 +303,9 @@ void TestRemoteFileDialogBase::refusedStateChangesNothing()
 void TestRemoteFileDialogBase::restoresFiveRecentPlaces()
 {
     RemoteFileDialogBase dialog(nullptr, {}, path("root"));
-    dialog.setHistory({s("/1"), s("/2"), s("/3"), s("/4"), s("/5")});
+    dialog.setHistory({"/1"_s, "/2"_s, "/3"_s, "/4"_s, "/5"_s});
     QVERIFY(dialog.restoreState(dialog.saveState()));
-    QCOMPARE(dialog.history(), (QStringList{s("/2"), s("/3"), s("/4"), s("/5"), path("root")}));
+    QCOMPARE(dialog.history(), (QStringList{"/2"_s, "/3"_s, "/4"_s, "/5"_s, path("root")}));
 }
 
 void TestRemoteFileDialogBase::widensPanesThatHaveNoWidth()
@@ -332,10 +332,10 @@ void TestRemoteFileDialogBase::refusedHeaderKeepsTheRest()
     RemoteFileDialogBase dialog(nullptr, {}, path("root"));
     DialogState state = *DialogState::fromBytes(dialog.saveState());
     state.header = "no header";
-    state.history = QStringList{s("/x")};
+    state.history = QStringList{"/x"_s};
     state.viewMode = QFileDialog::Detail;
     QVERIFY(!dialog.restoreState(state.toBytes()));
-    QCOMPARE(dialog.history().constFirst(), s("/x"));
+    QCOMPARE(dialog.history().constFirst(), "/x"_s);
     QCOMPARE(dialog.viewMode(), QFileDialog::List);
 }
 
@@ -348,16 +348,16 @@ void TestRemoteFileDialogBase::openCallsTheMemberOnce()
     dialog.open(&receiver, SLOT(setEditText(QString)));
     QVERIFY(dialog.isVisible() && dialog.windowModality() == Qt::WindowModal);
     dialog.setFileMode(QFileDialog::ExistingFiles); // too late to make a difference
-    typeAndReturn(nameEdit(dialog), s("a.txt"));
+    typeAndReturn(nameEdit(dialog), "a.txt"_s);
     QCOMPARE(receiver.currentText(), path("root/a.txt"));
     receiver.setEditText({});
-    Q_EMIT dialog.fileSelected(s("again"));
+    Q_EMIT dialog.fileSelected("again"_s);
     QCOMPARE(receiver.currentText(), QString());
 
     RemoteFileDialogBase forwarding(nullptr, {}, path("root"));
     const QSignalSpy forwarded(&forwarding, &RemoteFileDialogBase::filesSelected);
     dialog.open(&forwarding, SIGNAL(filesSelected(QStringList)));
-    typeAndReturn(nameEdit(dialog), s("a.txt"));
+    typeAndReturn(nameEdit(dialog), "a.txt"_s);
     QCOMPARE(forwarded.size(), 1);
 }
 
@@ -424,7 +424,7 @@ void TestRemoteFileDialogBase::mayGoWithItsParentWhileABoxIsOpen()
     QTRY_COMPARE(rows(*dialog).size(), 2);
     auto *const view = child<QListView>(dialog, "listView");
     if (slot == "accept")
-        nameEdit(*dialog)->setText(s("missing"));
+        nameEdit(*dialog)->setText("missing"_s);
     else
         view->selectionModel()->select(view->model()->index(1, 0, view->rootIndex()),
                                        QItemSelectionModel::Select | QItemSelectionModel::Rows);
@@ -440,13 +440,13 @@ void TestRemoteFileDialogBase::proxyModelStandsBetweenModelAndViews()
     QTRY_COMPARE(rows(dialog).size(), 2);
     auto *const proxy = new QSortFilterProxyModel;
     proxy->setRecursiveFilteringEnabled(true);
-    proxy->setFilterRegularExpression(s("a.txt"));
+    proxy->setFilterRegularExpression("a.txt"_s);
     dialog.setProxyModel(proxy);
     QCOMPARE(proxy->parent(), &dialog);
     QCOMPARE(proxy->sourceModel(), dialog.fileSystemModel());
-    QTRY_COMPARE(rows(dialog), QStringList{s("a.txt")});
+    QTRY_COMPARE(rows(dialog), QStringList{"a.txt"_s});
 
-    typeAndReturn(nameEdit(dialog), s("sub"));
+    typeAndReturn(nameEdit(dialog), "sub"_s);
     QCOMPARE(dialog.directory().path(), path("root/sub"));
     dialog.setDirectory(path("root"));
     auto *const view = child<QListView>(&dialog, "listView");
@@ -471,7 +471,7 @@ void TestRemoteFileDialogBase::deleteKeyOfThePlacesLeavesFilesAlone()
     dialog.show();
     QVERIFY(QTest::qWaitForWindowActive(&dialog));
     QTRY_COMPARE(rows(dialog).size(), 2);
-    dialog.selectFile(s("a.txt"));
+    dialog.selectFile("a.txt"_s);
     const ModalSteps steps({pressing(QMessageBox::No)});
     auto *const places = child<QListView>(&dialog, "sidebar");
     places->setFocus();
@@ -498,14 +498,14 @@ void TestRemoteFileDialogBase::readOnlyDialogChangesNoFile()
 void TestRemoteFileDialogBase::staysOnTheRemoteSide()
 {
     FaultyFolder remote;
-    QVERIFY(remote.make(s("tmp/deep/f.txt")));
-    RemoteFileDialogBase dialog(nullptr, {}, s("remote:/tmp/deep"));
+    QVERIFY(remote.make("tmp/deep/f.txt"_s));
+    RemoteFileDialogBase dialog(nullptr, {}, "remote:/tmp/deep"_s);
     dialog.show();
-    QCOMPARE(dialog.directory().path(), s("remote:/tmp/deep"));
-    QTRY_COMPARE(rows(dialog), QStringList{s("f.txt")});
-    nameEdit(dialog)->setText(s("f.txt"));
-    QCOMPARE(dialog.selectedFiles(), QStringList{s("remote:/tmp/deep/f.txt")});
-    QVERIFY(remote.make(s("tmp/deep/g.txt")));
+    QCOMPARE(dialog.directory().path(), "remote:/tmp/deep"_s);
+    QTRY_COMPARE(rows(dialog), QStringList{"f.txt"_s});
+    nameEdit(dialog)->setText("f.txt"_s);
+    QCOMPARE(dialog.selectedFiles(), QStringList{"remote:/tmp/deep/f.txt"_s});
+    QVERIFY(remote.make("tmp/deep/g.txt"_s));
     QTest::keyClick(child<QListView>(&dialog, "listView"), Qt::Key_F5);
     QTRY_COMPARE(rows(dialog).size(), 2);
 
@@ -524,24 +524,24 @@ void TestRemoteFileDialogBase::staysOnTheRemoteSide()
         QCOMPARE(lookIn->currentText(), QLatin1String(directory));
         QVERIFY(dialog.isVisible());
     }
-    typeAndReturn(nameEdit(dialog), s(".."));
+    typeAndReturn(nameEdit(dialog), ".."_s);
     QVERIFY(QMetaObject::invokeMethod(&dialog, "_q_navigateToParent"));
-    QCOMPARE(dialog.directory().path(), s("."));
+    QCOMPARE(dialog.directory().path(), "."_s);
     QVERIFY(!child<QToolButton>(&dialog, "newFolderButton")->isEnabled());
 }
 
 void TestRemoteFileDialogBase::typingANameAsksNoOtherMachine()
 {
     FaultyFolder remote;
-    QVERIFY(remote.make(s("a/file.txt")) && remote.make(s("a/sub/")));
-    RemoteFileDialogBase dialog(nullptr, {}, s("remote:/a"));
+    QVERIFY(remote.make("a/file.txt"_s) && remote.make("a/sub/"_s));
+    RemoteFileDialogBase dialog(nullptr, {}, "remote:/a"_s);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.show();
     QTRY_COMPARE(rows(dialog).size(), 2);
     const auto *const view = child<QListView>(&dialog, "listView");
     QTRY_COMPARE(view->viewport()->cursor().shape(), Qt::ArrowCursor);
     remote.forgetCalls();
-    QTest::keyClicks(nameEdit(dialog), s("file.txt"));
+    QTest::keyClicks(nameEdit(dialog), "file.txt"_s);
     QCOMPARE(remote.calls(true), 0);
     QCOMPARE(view->selectionModel()->selectedRows().size(), 1);
     QVERIFY(child<QDialogButtonBox>(&dialog, "buttonBox")->buttons().constFirst()->isEnabled());
@@ -550,18 +550,18 @@ void TestRemoteFileDialogBase::typingANameAsksNoOtherMachine()
 void TestRemoteFileDialogBase::acceptsWhileTheListingIsPending()
 {
     FaultyFolder remote;
-    QVERIFY(remote.make(s("a/f.txt")) && remote.make(s("b/g.txt")));
+    QVERIFY(remote.make("a/f.txt"_s) && remote.make("b/g.txt"_s));
     remote.endless = true;
-    RemoteFileDialogBase dialog(nullptr, {}, s("remote:/a"));
+    RemoteFileDialogBase dialog(nullptr, {}, "remote:/a"_s);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.show();
     const auto *const view = child<QListView>(&dialog, "listView");
     QCOMPARE(view->viewport()->cursor().shape(), Qt::BusyCursor);
-    dialog.setDirectory(s("remote:/b"));
+    dialog.setDirectory("remote:/b"_s);
     QSignalSpy selected(&dialog, &RemoteFileDialogBase::fileSelected);
-    typeAndReturn(nameEdit(dialog), s("remote:/a/f.txt"));
+    typeAndReturn(nameEdit(dialog), "remote:/a/f.txt"_s);
     QCOMPARE(selected.size(), 1);
-    QCOMPARE(selected.constFirst().constFirst().toString(), s("remote:/a/f.txt"));
+    QCOMPARE(selected.constFirst().constFirst().toString(), "remote:/a/f.txt"_s);
     remote.endless = false;
     QTRY_COMPARE(view->viewport()->cursor().shape(), Qt::ArrowCursor);
 }
@@ -569,16 +569,16 @@ void TestRemoteFileDialogBase::acceptsWhileTheListingIsPending()
 void TestRemoteFileDialogBase::saysThatADirectoryCannotBeRead()
 {
     FaultyFolder remote;
-    QVERIFY(remote.make(s("a/")));
-    RemoteFileDialogBase dialog(nullptr, {}, s("remote:/a"));
+    QVERIFY(remote.make("a/"_s));
+    RemoteFileDialogBase dialog(nullptr, {}, "remote:/a"_s);
     dialog.show();
     const auto *const view = child<QListView>(&dialog, "listView");
     QTRY_COMPARE(view->viewport()->cursor().shape(), Qt::ArrowCursor);
     QCOMPARE(view->accessibleDescription(), QString());
-    QVERIFY(remote.make(s("b/")));
-    dialog.setDirectory(s("remote:/b"));
+    QVERIFY(remote.make("b/"_s));
+    dialog.setDirectory("remote:/b"_s);
     remote.broken = true;
-    QTRY_COMPARE(view->accessibleDescription(), s("This directory cannot be read."));
+    QTRY_COMPARE(view->accessibleDescription(), "This directory cannot be read."_s);
     dialog.grab();
 }
 
