@@ -30,7 +30,6 @@ private Q_SLOTS:
     void quotedNamesAreSplitAndJoined();
     void prefixIsAddedAndTaken();
     void pathsWithAColonAreLocalOnlyOnADrive();
-    void typedTextIsOfTheRemoteSide();
     void filtersGivePatternsNameAndSuffix();
 };
 
@@ -103,18 +102,6 @@ void TestDialogPaths::pathsWithAColonAreLocalOnlyOnADrive()
         for (int i = 0; i < systems.size(); ++i)
             QCOMPARE(tul::isLocalPath(q(path), systems.at(i)), local[i] == 'y');
     }
-}
-
-void TestDialogPaths::typedTextIsOfTheRemoteSide()
-{
-    bool expanded = false;
-    QCOMPARE(tul::expandedRemoteTilde(q("~/src"), q("remote:/h/"), nullptr), q("remote:/h//src"));
-    QCOMPARE(tul::expandedRemoteTilde(q("~"), QString(), &expanded), QString());
-    QVERIFY(expanded);
-    QCOMPARE(tul::expandedRemoteTilde(q("~x"), q("remote:/h"), &expanded), q("~x"));
-    QVERIFY(!expanded);
-    QCOMPARE(tul::prefixedTypedFiles(parts("/etc|remote:/a|\\x|b"), q("remote:")),
-             parts("remote:/etc|remote:/a|remote:\\x|b"));
 }
 
 void TestDialogPaths::filtersGivePatternsNameAndSuffix()

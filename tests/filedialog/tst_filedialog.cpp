@@ -102,7 +102,6 @@ private Q_SLOTS:
     void cancellingGivesNothingAndForgetsNothing();
     void refusingToReplaceAsksAgain();
     void remoteSaveFollowsTheFilter();
-    void parentGoesWhileTheDialogIsUp();
     void executablePickerNarrowsItsList();
     void programsHaveAPictureOfTheirOwn();
 
@@ -305,18 +304,6 @@ void TestFileDialog::remoteSaveFollowsTheFilter()
     QCOMPARE(save(both, QFileDialog::HideNameFilterDetails), "/one/plain.txt"_s);
     QCOMPARE(save(both, QFileDialog::HideNameFilterDetails), "/one/plain.c"_s);
     QCOMPARE(filter, "Sources (*.c *.h)"_s);
-}
-
-void TestFileDialog::parentGoesWhileTheDialogIsUp()
-{
-    FileDialog::setAllFilesLocal(false);
-    for (const bool save : {false, true}) {
-        auto *const parent = new QWidget;
-        const ModalSteps steps({[parent](QWidget *) { delete parent; }});
-        const QString result = save ? FileDialog::getRemoteSaveFileName(parent)
-                                    : FileDialog::getRemoteExecutableFileName(parent);
-        QVERIFY(result.isNull());
-    }
 }
 
 void TestFileDialog::executablePickerNarrowsItsList()

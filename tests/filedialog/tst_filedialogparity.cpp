@@ -1,5 +1,6 @@
 #include <tul-util-gui/filedialog/remotefiledialogbase.h>
 
+#include <support/literal.h>
 #include <support/testcase.h>
 
 #include <QtTest>
@@ -11,11 +12,6 @@ namespace
 {
 
 using Names = QStringList;
-
-QString s(const char *text)
-{
-    return QString::fromUtf8(text);
-}
 
 QStringList texts(const QAbstractItemModel *model, const QModelIndex &parent = {})
 {
@@ -93,8 +89,7 @@ private:
         if (auto *const menu = qobject_cast<QMenu *>(QApplication::activePopupWidget())) {
             for (const QAction *const action : menu->actions())
                 note("menu",
-                     "%1 %2 %3"_s
-                         .arg(action->text())
+                     "%1 %2 %3"_s.arg(action->text())
                          .arg(action->isEnabled())
                          .arg(action->isChecked()));
             menu->close();
@@ -225,8 +220,7 @@ private:
     /// A key for the edit, or, after "view", for the view.
     void key(const QString &arg)
     {
-        QWidget *const target
-            = arg.startsWith("view "_s) ? static_cast<QWidget *>(view()) : edit();
+        QWidget *const target = arg.startsWith("view "_s) ? static_cast<QWidget *>(view()) : edit();
         dialog()->activateWindow();
         target->setFocus();
         const int code = QKeySequence(arg.section(QLatin1Char(' '), -1))[0];
@@ -304,8 +298,7 @@ private:
         for (const char *const name : {"backButton", "forwardButton", "toParentButton",
                                        "newFolderButton", "listModeButton", "detailModeButton"}) {
             const auto *const button = child<QToolButton>(name);
-            lines.append("%1 %2 %3"_s
-                             .arg(QLatin1String(name))
+            lines.append("%1 %2 %3"_s.arg(QLatin1String(name))
                              .arg(button->isEnabled())
                              .arg(button->isDown()));
         }

@@ -256,21 +256,27 @@ void TestRemoteFileDialog::typedNamesAreOfTheRemoteSide()
     Dialog dialog(RemoteFileDialog::RemoteLocation, "/home"_s);
     QVERIFY(QMetaObject::invokeMethod(&dialog, "_q_goHome"));
     QCOMPARE(dialog.shown(), "remote:/home"_s); // where else
+    bool expanded = false;
+    QCOMPARE(dialog.tildeExpansion("~"_s, &expanded), QString());
+    QVERIFY(expanded);
+    QCOMPARE(dialog.tildeExpansion("~x"_s, &expanded), "~x"_s);
+    QVERIFY(!expanded);
     RemoteFileDialog::setRemoteHomeDirectory("remote:/home/user"_s);
-    dialog.edit()->setText("/etc/passwd"_s);
-    QCOMPARE(dialog.typedFiles(), words("remote:/etc/passwd"));
-    dialog.edit()->setText("a"_s);
-    QCOMPARE(dialog.typedFiles(), words("remote:/home/a"));
-    QCOMPARE(dialog.tildeExpansion("~/src"_s), "remote:/home/user/src"_s);
     qputenv("TUL_TEST_VARIABLE", "value");
     const QString variable = "$TUL_TEST_VARIABLE"_s;
-    QCOMPARE(dialog.getEnvironmentVariable(variable), variable);
-
-    dialog.setLocation(RemoteFileDialog::LocalLocation);
-    QCOMPARE(dialog.tildeExpansion("~"_s), QDir::homePath());
-    QCOMPARE(dialog.getEnvironmentVariable(variable), "value"_s);
-    dialog.edit()->setText("/etc/passwd"_s);
-    QCOMPARE(dialog.typedFiles(), words("/etc/passwd"));
+    const QString rows[][3]
+        = {{"/etc/passwd"_s, "remote:/etc/passwd"_s, "/etc/passwd"_s},
+           {"a"_s, "remote:/home/a"_s, QDir::homePath() + "/a"_s},
+           {"~/src"_s, "remote:/home/user/src"_s, QDir::homePath() + "/src"_s},
+           {variable, "remote:/home/"_s + variable, QDir::homePath() + "/value"_s}};
+    for (const auto &[typed, remote, local] : rows) {
+        dialog.edit()->setText(typed);
+        dialog.setLocation(RemoteFileDialog::RemoteLocation);
+        dialog.setDirectory("remote:/home"_s);
+        QCOMPARE(dialog.typedFiles(), QStringList{remote});
+        dialog.setLocation(RemoteFileDialog::LocalLocation);
+        QCOMPARE(dialog.typedFiles(), QStringList{local});
+    }
 }
 
 void TestRemoteFileDialog::remoteDialogShowsRemoteRowsOnly()
