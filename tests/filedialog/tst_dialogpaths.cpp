@@ -28,7 +28,6 @@ class TestDialogPaths : public TestCase
 private Q_SLOTS:
     void pathsEndAtTheirFirstElement();
     void quotedNamesAreSplitAndJoined();
-    void prefixIsAddedAndTaken();
     void pathsWithAColonAreLocalOnlyOnADrive();
     void filtersGivePatternsNameAndSuffix();
 };
@@ -70,26 +69,6 @@ void TestDialogPaths::quotedNamesAreSplitAndJoined()
     for (const char *const text : {"\"a\" \"b c", "x \"a\" y \"b c\"", "\"\"\"a\"\"b c\""})
         QCOMPARE(tul::splitFileNames(q(text)), parts("a|b c"));
     QVERIFY(tul::splitFileNames(q("\"")).isEmpty());
-}
-
-void TestDialogPaths::prefixIsAddedAndTaken()
-{
-    const QString prefix = tul::lockedCopy(&tul::RemoteSettings::prefix);
-    QCOMPARE(prefix, q("remote:"));
-    const char *const rows[][3] = {{"/a", "remote:/a", "/a"},
-                                   {"src", "remote:src", "src"},
-                                   {"remote:/a", "remote:/a", "/a"},
-                                   {"remote:", "remote:", ""},
-                                   {"REMOTE:/100%s", "remote:REMOTE:/100%s", "REMOTE:/100%s"},
-                                   {"", "", ""}};
-    for (const auto &[path, added, taken] : rows) {
-        QCOMPARE(tul::addPrefix(q(path), prefix), q(added));
-        QCOMPARE(tul::stripPrefix(q(path), prefix), q(taken));
-        if (*path && q(path) == q(taken))
-            announceWarning(q("Path is not remote: ") + q(path));
-        QCOMPARE(tul::unmungedPath(q(path), prefix), q(taken));
-    }
-    QVERIFY(tul::hasPrefix(QString(), q(""))); // every path has an empty one
 }
 
 void TestDialogPaths::pathsWithAColonAreLocalOnlyOnADrive()

@@ -293,15 +293,12 @@ private:
                           "title %1 %2"_s.arg(dialog()->windowTitle()).arg(dialog()->isVisible()),
                           "label "_s + child<QLabel>("fileNameLabel")->text(),
                           "current "_s + view()->currentIndex().data().toString()};
-        for (const QAbstractButton *const button : child<QDialogButtonBox>("buttonBox")->buttons())
-            lines.append("button %1 %2"_s.arg(button->text()).arg(button->isEnabled()));
-        for (const char *const name : {"backButton", "forwardButton", "toParentButton",
-                                       "newFolderButton", "listModeButton", "detailModeButton"}) {
-            const auto *const button = child<QToolButton>(name);
-            lines.append("%1 %2 %3"_s.arg(QLatin1String(name))
+        for (const QAbstractButton *const button :
+             dialog()->template findChildren<QAbstractButton *>(
+                 QRegularExpression("^$|(Back|Forward|Parent|New)"_s)))
+            lines.append("%1 %2 %3 %4"_s.arg(button->objectName(), button->text())
                              .arg(button->isEnabled())
                              .arg(button->isDown()));
-        }
         Names selected;
         for (const QModelIndex &index : view()->selectionModel()->selectedRows())
             selected.append(index.data().toString());
