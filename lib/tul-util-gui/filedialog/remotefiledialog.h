@@ -52,8 +52,8 @@ public:
     /// A remote dialog.
     RemoteFileDialog(QWidget *parent, Qt::WindowFlags flags);
 
-    /// `directory` has no prefix. One that is no directory is left aside, also when it names a
-    /// file: a directory is all that is taken from it.
+    /// `directory` has no prefix. It is disregarded where there is no such directory, also when it
+    /// names a file.
     explicit RemoteFileDialog(QWidget *parent = nullptr, const QString &caption = QString(),
                               const QString &directory = QString(),
                               const QString &filter = QString(),
