@@ -67,17 +67,18 @@ class Dutch : public QTranslator
 {
 public:
     bool isEmpty() const override { return false; }
-    QString translate(const char *, const char *text, const char *, int) const override
+    QString translate(const char * /*context*/, const char *text, const char * /*note*/,
+                      int /*n*/) const override
     {
         const bool known = QByteArray(text).startsWith("Executable Files");
-        return known ? "Programma's (*);; Alle bestanden (*)"_s : QString();
+        return known ? "Programma's (*);; Andere bestanden (*)"_s : QString();
     }
 };
 
 class AskedTheme : public QPlatformTheme
 {
 public:
-    QIcon fileIcon(const QFileInfo &, IconOptions) const override
+    QIcon fileIcon(const QFileInfo & /*info*/, IconOptions /*options*/) const override
     {
         ++asked;
         return {};

@@ -79,7 +79,8 @@ class Brackets : public QTranslator
 {
 public:
     bool isEmpty() const override { return false; }
-    QString translate(const char *context, const char *text, const char *, int) const override
+    QString translate(const char *context, const char *text, const char * /*note*/,
+                      int /*n*/) const override
     {
         return QLatin1String(context) == QLatin1String("RemoteFileDialogBase")
             ? QLatin1Char('[') + QString::fromUtf8(text) + QLatin1Char(']')

@@ -312,19 +312,20 @@ void RemoteFileDialogBasePrivate::setProxyModel(QAbstractProxyModel *proxy)
         proxy->setParent(q);
         proxy->setSourceModel(context.model);
     }
-    const auto showIt = [this] {
-        attachViews();
-        if (completer)
-            completer->setModel(context.viewModel());
-    };
-    showIt();
+    attachViews();
+    if (completer)
+        completer->setModel(context.viewModel());
     if (former) {
         former->disconnect(q);
         if (former->sourceModel() == context.model)
             former->setSourceModel(nullptr);
     }
     if (proxy)
-        QObject::connect(proxy, &QObject::destroyed, q, showIt);
+        QObject::connect(proxy, &QObject::destroyed, q, [this] {
+            attachViews();
+            if (completer)
+                completer->setModel(context.viewModel());
+        });
 }
 
 void RemoteFileDialogBasePrivate::showPlaces(const QList<QUrl> &places)
