@@ -304,7 +304,7 @@ void RemoteFileDialogBasePrivate::setViewMode(QFileDialog::ViewMode mode)
 
 void RemoteFileDialogBasePrivate::setProxyModel(QAbstractProxyModel *proxy)
 {
-    const QPointer<QAbstractProxyModel> former = context.proxy;
+    const QPointer<QAbstractProxyModel> former(context.proxy.data());
     if (proxy == former)
         return;
     context.proxy = proxy;
