@@ -92,9 +92,7 @@ bool DialogContext::isShownName(const QString &name) const
 tul::FileKind DialogContext::likelyKindOf(const QString &path) const
 {
     const QString root = rootPath();
-    const bool isThisMachine
-        = root.startsWith(QLatin1Char('/')) || root.indexOf(QLatin1Char(':')) == 1;
-    const bool isKnown = !isThisMachine && !listing && tul::parentPath(path) == root;
+    const bool isKnown = !tul::isOnThisMachine(root) && !listing && tul::parentPath(path) == root;
     if (isKnown && !isShownName(tul::lastElement(path)))
         return tul::FileKind::Missing;
     return kindOf(path);
@@ -105,10 +103,23 @@ tul::FileKind DialogContext::kindOf(const QString &path) const
     const QModelIndex entry = shownEntry(path);
     if (entry.isValid())
         return model->isDir(entry) ? tul::FileKind::Directory : tul::FileKind::File;
+    return storedKindOf(path);
+}
+
+tul::FileKind DialogContext::storedKindOf(const QString &path)
+{
     const QFileInfo info(path);
     if (info.isDir())
         return tul::FileKind::Directory;
     return info.exists() ? tul::FileKind::File : tul::FileKind::Missing;
+}
+
+bool DialogContext::isChangeable(const QModelIndex &directory) const
+{
+    if (!directory.isValid())
+        return false;
+    const QFileDevice::Permissions permissions = model->permissions(directory);
+    return !permissions || permissions.testFlag(QFileDevice::WriteUser);
 }
 
 QMessageBox::StandardButton DialogContext::warn(const QString &title, const QString &text,

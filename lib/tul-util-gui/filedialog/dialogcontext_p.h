@@ -55,12 +55,19 @@ public:
     /// Asks the row of a shown entry, else the disk, or what serves it.
     tul::FileKind kindOf(const QString &path) const;
 
+    /// Asks the disk, or what serves it: a row may be older than what another program has done.
+    static tul::FileKind storedKindOf(const QString &path);
+
     /// The same for what is asked with each key: in a listed directory of another machine what has
     /// no row is missing, so that typing a name never waits for that machine.
     tul::FileKind likelyKindOf(const QString &path) const;
 
     /// Called when the rows of the shown directory have changed.
     void forgetNames() { m_namesKnown = false; }
+
+    /// Whether entries of a directory can be made, renamed and removed, as far as is known; never
+    /// on the level of the drives.
+    bool isChangeable(const QModelIndex &directory) const;
 
     bool isReadOnly() const { return options.testFlag(QFileDialog::ReadOnly); }
 

@@ -13,7 +13,7 @@ void DialogFilters::setNameFilters(const QStringList &filters)
     m_isDefault = filters.isEmpty();
     m_nameFilters.clear();
     for (const QString &filter : filters)
-        m_nameFilters.append(filter.trimmed());
+        m_nameFilters.append(filter.simplified());
     if (m_nameFilters.isEmpty())
         m_nameFilters.append(RemoteFileDialogBase::tr("All Files (*)"));
     m_used = 0;
@@ -105,7 +105,7 @@ void DialogFilters::updateEntryFilter()
 {
     const bool withFiles = m_context->fileMode != tul::directoryOnly
         && !m_context->options.testFlag(QFileDialog::ShowDirsOnly);
-    QDir::Filters filters = m_context->model->filter() | QDir::AllDirs;
+    QDir::Filters filters = m_context->model->filter() | QDir::AllDirs | QDir::Dirs | QDir::Drives;
     filters.setFlag(QDir::Files, withFiles);
     setEntryFilter(filters);
 }

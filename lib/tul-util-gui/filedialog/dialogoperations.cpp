@@ -31,11 +31,10 @@ void DialogOperations::deleteSelected()
     std::reverse(paths.begin(), paths.end());
     const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
     for (const QString &path : qAsConst(paths)) {
-        const bool allowed = isAllowedToDelete(path);
-        if (!guard)
+        const bool goesOn = isAllowedToDelete(path);
+        if (!guard || !goesOn)
             return;
-        if (allowed)
-            remove(path);
+        remove(path);
         if (!guard)
             return;
     }
@@ -44,17 +43,22 @@ void DialogOperations::deleteSelected()
 bool DialogOperations::isAllowedToDelete(const QString &path) const
 {
     const QModelIndex entry = m_context->model->index(path);
-    if (!entry.isValid())
+    if (!entry.parent().isValid()) // gone, or a drive
         return false;
     const QString name = m_context->model->fileName(entry);
-    const bool writable = m_context->model->permissions(entry).testFlag(QFileDevice::WriteUser);
+    const auto isYesTo = [this, name](const QString &question) {
+        return m_context->warn(RemoteFileDialogBase::tr("Delete"), question.arg(name),
+                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
+            == QMessageBox::Yes;
+    };
+    const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
+    const bool isProtected = !m_context->isChangeable(entry.parent());
+    if (isProtected
+        && !isYesTo(
+            RemoteFileDialogBase::tr("'%1' is write protected.\nDo you want to delete it anyway?")))
+        return false;
     // By design: "Are sure" is what the dialog has always asked; translations are keyed on it.
-    const QString question = writable
-        ? RemoteFileDialogBase::tr("Are sure you want to delete '%1'?")
-        : RemoteFileDialogBase::tr("'%1' is write protected.\nDo you want to delete it anyway?");
-    return m_context->warn(RemoteFileDialogBase::tr("Delete"), question.arg(name),
-                           QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
-        == QMessageBox::Yes;
+    return guard && isYesTo(RemoteFileDialogBase::tr("Are sure you want to delete '%1'?"));
 }
 
 void DialogOperations::remove(const QString &path)
@@ -105,8 +109,7 @@ void DialogOperations::showContextMenu(QAbstractItemView *view, const QPoint &po
     const QModelIndex entry = m_context->toModel(view->indexAt(position).siblingAtColumn(0));
     const QPointer<QMenu> menu = new QMenu(view);
     if (entry.isValid()) {
-        const bool writable = !m_context->isReadOnly()
-            && m_context->model->permissions(entry).testFlag(QFileDevice::WriteUser);
+        const bool writable = !m_context->isReadOnly() && m_context->isChangeable(entry.parent());
         ui.renameAction->setEnabled(writable);
         ui.deleteAction->setEnabled(writable);
         menu->addAction(ui.renameAction);

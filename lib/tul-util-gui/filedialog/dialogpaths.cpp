@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <pwd.h>
+#include <unistd.h>
 #endif
 
 namespace tul
@@ -42,6 +43,24 @@ QString joinSlash(const QString &directory, const QString &name)
 {
     return directory.isEmpty() || directory.endsWith(slash) ? directory + name
                                                             : directory + slash + name;
+}
+
+bool isOnThisMachine(const QString &path)
+{
+    return path.startsWith(slash) || path.indexOf(QLatin1Char(':')) == 1;
+}
+
+bool isNameTooLong(const QString &path)
+{
+#ifdef Q_OS_UNIX
+    if (!isOnThisMachine(path))
+        return false;
+    const long limit = pathconf(QFile::encodeName(parentPath(path)).constData(), _PC_NAME_MAX);
+    return limit >= 0 && QFile::encodeName(lastElement(path)).size() > limit;
+#else
+    Q_UNUSED(path)
+    return false;
+#endif
 }
 
 QString homeOfUser(const QString &user)

@@ -27,6 +27,13 @@ QString lastElement(const QString &path);
 /// The path of an entry of a directory; the name alone when the directory is empty.
 QString joinSlash(const QString &directory, const QString &name);
 
+/// Whether an absolute path is one of the local file system, by its looks.
+bool isOnThisMachine(const QString &path);
+
+/// Whether the last element of a path of this machine has more bytes than its directory takes. Not
+/// where the limit is unknown, as it is for another machine.
+bool isNameTooLong(const QString &path);
+
 /// The home of a user of this machine; empty where there is no such user, or no way to know.
 QString homeOfUser(const QString &user);
 
