@@ -24,13 +24,19 @@ bool namesAHost(const QString &text)
 
 QString DialogSelection::absolutePath(const QString &typed) const
 {
-    bool expanded = false;
-    QString path = m_context->dialog->tildeExpansion(typed, &expanded);
     const QString root = m_context->rootPath();
     const QString directory = root.isEmpty() ? QStringLiteral("/") : root;
-    if (path.startsWith(QLatin1Char('$'))
-        && m_context->kindOf(tul::joinSlash(directory, path)) == tul::FileKind::Missing)
-        path = m_context->dialog->getEnvironmentVariable(path);
+    // A file of that very name is meant rather than a home or a variable.
+    const bool mayBeName = typed.startsWith(QLatin1Char('$'))
+        || (typed.startsWith(QLatin1Char('~')) && !typed.contains(QLatin1Char('/')));
+    bool expanded = false;
+    QString path = typed;
+    if (!mayBeName
+        || m_context->likelyKindOf(tul::joinSlash(directory, typed)) == tul::FileKind::Missing) {
+        path = m_context->dialog->tildeExpansion(typed, &expanded);
+        if (path.startsWith(QLatin1Char('$')))
+            path = m_context->dialog->getEnvironmentVariable(path);
+    }
     if (expanded || QDir::isAbsolutePath(path))
         return tul::cleanDialogPath(path);
     return tul::cleanDialogPath(tul::joinSlash(directory, path));
@@ -42,7 +48,7 @@ QStringList DialogSelection::typedFiles() const
     QStringList names = tul::splitFileNames(text);
     if (text.contains(QLatin1Char('"'))) {
         const QString whole = tul::joinSlash(m_context->rootPath(), text);
-        if (m_context->kindOf(whole) != tul::FileKind::Missing)
+        if (m_context->likelyKindOf(whole) != tul::FileKind::Missing)
             names = QStringList{text};
     }
     QStringList files;
@@ -91,7 +97,9 @@ void DialogSelection::selectFile(const QString &name)
     QString file = name;
     if (QDir::isAbsolutePath(name)) {
         const QString path = tul::cleanDialogPath(name);
-        RemoteFileDialogBasePrivate::of(m_context->dialog)->navigation.goTo(tul::parentPath(path));
+        const QString parent = tul::parentPath(path);
+        RemoteFileDialogBasePrivate::of(m_context->dialog)
+            ->navigation.goTo(parent.isEmpty() ? path : parent);
         file = tul::lastElement(path);
     }
     RemoteFileDialogBaseLineEdit *const edit = m_context->ui.fileNameEdit;
@@ -168,14 +176,28 @@ void DialogSelection::updateAcceptButton()
         = m_context->ui.buttonBox->button(saves ? QDialogButtonBox::Save : QDialogButtonBox::Open);
     if (!button)
         return;
+    const auto *const d = RemoteFileDialogBasePrivate::of(m_context->dialog);
+    if (namesAHost(m_context->ui.fileNameEdit->text())) {
+        button->setEnabled(true);
+        button->setText(d->acceptText(false));
+        return;
+    }
     const bool directories = tul::choosesDirectories(m_context->fileMode);
     tul::AcceptRequest request;
     request.fileMode = m_context->fileMode;
     request.files = directories ? selectedFiles() : chosenFiles();
     const tul::AcceptButton look = tul::acceptButton(
         request, [this](const QString &path) { return m_context->likelyKindOf(path); });
-    button->setEnabled(look.enabled);
-    button->setText(RemoteFileDialogBasePrivate::of(m_context->dialog)->acceptText(look.opens));
+    button->setEnabled(look.enabled && !leadsNowhere(request));
+    button->setText(d->acceptText(look.opens));
+}
+
+bool DialogSelection::leadsNowhere(const tul::AcceptRequest &request) const
+{
+    if (request.fileMode != QFileDialog::AnyFile || request.files.isEmpty())
+        return false;
+    const QString &file = request.files.constFirst();
+    return file == m_context->rootPath() || tul::isNameTooLong(file);
 }
 
 void DialogSelection::accept()
@@ -186,8 +208,13 @@ void DialogSelection::accept()
     request.confirmOverwrite = !m_context->options.testFlag(QFileDialog::DontConfirmOverwrite);
     request.typed = m_context->ui.fileNameEdit->text();
     request.files = tul::choosesDirectories(request.fileMode) ? selectedFiles() : chosenFiles();
-    const tul::AcceptDecision decision = tul::decideAccept(
-        request, [this](const QString &path) { return m_context->kindOf(path); });
+    // A row may be out of date. Only to ask another machine for each of many files takes too long.
+    const bool trustsRows
+        = request.files.size() > 1 && !tul::isOnThisMachine(m_context->rootPath());
+    const tul::AcceptDecision decision
+        = tul::decideAccept(request, [this, trustsRows](const QString &path) {
+              return trustsRows ? m_context->kindOf(path) : DialogContext::storedKindOf(path);
+          });
     const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
 
     switch (decision.action) {
@@ -195,10 +222,12 @@ void DialogSelection::accept()
         return;
     case tul::AcceptAction::GoToParent:
         RemoteFileDialogBasePrivate::of(m_context->dialog)->navigation.goToParent();
+        if (guard)
+            m_context->ui.fileNameEdit->selectAll();
         return;
     case tul::AcceptAction::EnterDirectory:
         RemoteFileDialogBasePrivate::of(m_context->dialog)->navigation.goTo(decision.path);
-        if (request.acceptMode == QFileDialog::AcceptOpen)
+        if (request.fileMode != QFileDialog::AnyFile)
             m_context->ui.fileNameEdit->clear();
         return;
     case tul::AcceptAction::TellMissingFile:
@@ -216,10 +245,15 @@ void DialogSelection::accept()
             return;
         break;
     case tul::AcceptAction::Accept:
+        if (leadsNowhere(request))
+            return;
         break;
     }
-    if (guard)
-        emitSelected(request.files);
+    if (!guard)
+        return;
+    // Where any file will do, only the first one was looked at.
+    const bool one = request.fileMode == QFileDialog::AnyFile;
+    emitSelected(one ? request.files.mid(0, 1) : request.files);
 }
 
 void DialogSelection::tellMissing(const QString &text, const QString &path) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tul-util-gui/filedialog/acceptdecision_p.h>
+
 #include <QString>
 #include <QStringList>
 
@@ -47,6 +49,7 @@ public:
 private:
     QString absolutePath(const QString &typed) const;
     QString withSuffix(const QString &path) const;
+    bool leadsNowhere(const tul::AcceptRequest &request) const;
     bool isAllowedToOverwrite(const QString &path) const;
     void tellMissing(const QString &text, const QString &path) const;
     void emitSelected(const QStringList &files);
