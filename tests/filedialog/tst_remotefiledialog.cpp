@@ -236,11 +236,16 @@ void TestRemoteFileDialog::textInTheLookInBoxLeadsToTheRemoteSide()
                 QCoreApplication::processEvents();
             }
             QCOMPARE(dialog.lookIn()->currentText(), text); // it is the user's until he is done
+            const ModalSteps notFound({[](QWidget *box) { box->close(); }});
             QTest::keyClick(dialog.lookIn(), end);
             QCOMPARE(dialog.shown(), shown);
             QCOMPARE(dialog.lookIn()->currentText(), shown);
         }
     }
+    // The text of a directory that was set without the prefix leads there, too.
+    Dialog dialog(RemoteFileDialog::RemoteLocation);
+    dialog.setDirectory("/usr"_s);
+    QTRY_COMPARE(dialog.shown(), "remote:/usr"_s);
 }
 
 void TestRemoteFileDialog::typedNamesAreOfTheRemoteSide()

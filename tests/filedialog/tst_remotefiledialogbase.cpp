@@ -116,6 +116,8 @@ private Q_SLOTS:
     void acceptsWhileTheListingIsPending();
     void saysThatADirectoryCannotBeRead();
     void goesUpFromADirectoryThatIsGone();
+    void tellsOfAFileThatIsGone();
+    void clickThatActivatesCanAddToTheChoice();
 
 private:
     QString path(const char *name) const { return m_folder->filePath(QLatin1String(name)); }
@@ -132,6 +134,7 @@ void TestRemoteFileDialogBase::init()
     QVERIFY(QDir(m_folder->path()).mkpath("root/sub"_s));
     QFile file(path("root/a.txt"));
     QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(QDir::setCurrent(path("root")));
 }
 
 void TestRemoteFileDialogBase::isBuiltAsHostsKnowIt()
@@ -221,18 +224,25 @@ void TestRemoteFileDialogBase::argumentsLeaveTheNameSelected()
 
 void TestRemoteFileDialogBase::beginsWhereTheArgumentSays()
 {
-    const QString rows[][3] = {{"root"_s, "root"_s, {}},
-                               {"root/a.txt"_s, "root"_s, "a.txt"_s},
-                               {"root/new.c"_s, "root"_s, "new.c"_s},
-                               {"none/x.c"_s, "root/sub"_s, "x.c"_s},
+    const QString rows[][3] = {{path("root"), "root"_s, {}},
+                               {path("root/a.txt"), "root"_s, "a.txt"_s},
+                               {path("root/new.c"), "root"_s, "new.c"_s},
+                               {path("root/new/"), "root/sub"_s, {}},
+                               {path("none/x.c"), "root/sub"_s, "x.c"_s},
+                               {"."_s, "root"_s, {}},
+                               {"sub"_s, "root/sub"_s, {}},
+                               {"new.c"_s, "root"_s, "new.c"_s},
                                {{}, "root/sub"_s, {}}};
     for (const auto &[argument, shown, name] : rows) {
         Dialog(path("root")).setDirectory(path("root/sub"));
-        const Dialog dialog(argument.isEmpty() ? argument : m_folder->filePath(argument));
+        const Dialog dialog(argument);
         QCOMPARE(dialog.shown(), m_folder->filePath(shown));
         QCOMPARE(dialog.edit()->text(), name);
         QVERIFY(!dialog.child<QToolButton>("backButton")->isEnabled());
     }
+    // Another process knows nothing but the saved state.
+    DialogNavigation::lastVisitedDirectory().clear();
+    QCOMPARE(Dialog(QString()).shown(), path("root/sub"));
 }
 
 void TestRemoteFileDialogBase::keepsItsLayoutForTheNextDialog()
@@ -422,6 +432,8 @@ void TestRemoteFileDialogBase::readOnlyDialogChangesNoFile()
     dialog.showRows(2);
     dialog.setCurrent(1);
     const ModalSteps none({});
+    for (const char *const action : {"qt_delete_action", "qt_rename_action"})
+        QVERIFY(!dialog.child<QAction>(action)->isEnabled());
     for (const char *const slot : {"_q_deleteCurrent", "_q_renameCurrent", "_q_createDirectory"})
         QVERIFY(dialog.call(slot));
     QVERIFY(!dialog.view()->viewport()->findChild<QLineEdit *>());
@@ -442,18 +454,30 @@ void TestRemoteFileDialogBase::staysOnTheRemoteSide()
     QTRY_COMPARE(dialog.rows().size(), 2);
 
     auto *const lookIn = dialog.child<QComboBox>("lookInCombo");
-    const QString steps[][2] = {{".."_s, "remote:/tmp"_s},
+    lookIn->showPopup(); // fills it with what is typed next
+    lookIn->hidePopup();
+    const QSignalSpy entered(&dialog, &RemoteFileDialogBase::directoryEntered);
+    QString complaint;
+    const ModalSteps complaining({ModalSteps::with<QMessageBox>([&](QMessageBox *box) {
+        complaint = box->text();
+        box->close();
+    })});
+    const QString steps[][2] = {{"remote:/tmp"_s, "remote:/tmp"_s},
+                                {"deep/.."_s, "remote:/tmp"_s},
                                 {"deep/../../../.."_s, "remote:"_s},
                                 {"/tmp/deep"_s, "remote:/tmp/deep"_s},
                                 {"/home"_s, "remote:/tmp/deep"_s},
                                 {"remote:tmp"_s, "remote:/tmp"_s},
                                 {"/"_s, "remote:"_s}};
     for (const auto &[typed, shown] : steps) {
-        typeAndReturn(lookIn, typed);
+        typeAndReturn(lookIn->lineEdit(), typed);
         QCOMPARE(dialog.shown(), shown);
         QCOMPARE(lookIn->currentText(), shown);
         QVERIFY(dialog.isVisible());
     }
+    QCOMPARE(entered.size(), 6);
+    QCOMPARE(complaining.shown(), 1);
+    QVERIFY2(complaint.startsWith("remote:/home\nDirectory not found."_s), qPrintable(complaint));
     typeAndReturn(dialog.edit(), ".."_s);
     QVERIFY(dialog.call("_q_navigateToParent"));
     QCOMPARE(dialog.shown(), "."_s);
@@ -468,7 +492,10 @@ void TestRemoteFileDialogBase::typingANameAsksNoOtherMachine()
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.showRows(2);
     remote.forgetCalls();
-    QTest::keyClicks(dialog.edit(), "file.txt"_s);
+    for (const QString &text : {"$none"_s, "\"file.txt\" \"su"_s, "file.txt"_s}) {
+        dialog.edit()->selectAll();
+        QTest::keyClicks(dialog.edit(), text);
+    }
     QCOMPARE(remote.calls(true), 0);
     QCOMPARE(dialog.view()->selectionModel()->selectedRows().size(), 1);
     auto *const buttons = dialog.child<QDialogButtonBox>("buttonBox");
@@ -513,6 +540,36 @@ void TestRemoteFileDialogBase::goesUpFromADirectoryThatIsGone()
     QSignalSpy entered(&dialog, &RemoteFileDialogBase::directoryEntered);
     QVERIFY(dialog.call("_q_navigateToParent"));
     QCOMPARE(entered.value(0).value(0).toString(), path("root/sub"));
+}
+
+void TestRemoteFileDialogBase::tellsOfAFileThatIsGone()
+{
+    const FaultyFolder remote;
+    QVERIFY(remote.make("f.txt"_s));
+    Dialog dialog("remote:"_s);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.showRows(1);
+    dialog.setCurrent(0);
+    QVERIFY(QFile::remove(remote.local("f.txt"_s)));
+    const ModalSteps steps({[](QWidget *box) { box->close(); }});
+    dialog.accept();
+    QCOMPARE(steps.shown(), 1);
+    QVERIFY(dialog.isVisible());
+}
+
+void TestRemoteFileDialogBase::clickThatActivatesCanAddToTheChoice()
+{
+    Dialog dialog(path("root"));
+    dialog.setStyleSheet("* { activate-on-singleclick: 1 }"_s);
+    dialog.setFileMode(QFileDialog::ExistingFiles);
+    dialog.showRows(2);
+    const QSignalSpy selected(&dialog, &RemoteFileDialogBase::filesSelected);
+    const QAbstractItemModel *const model = dialog.view()->model();
+    const QRect row = dialog.view()->visualRect(model->index(1, 0, dialog.view()->rootIndex()));
+    QTest::mouseClick(dialog.view()->viewport(), Qt::LeftButton, Qt::ControlModifier, row.center());
+    QCOMPARE(selected.size(), 0);
+    QTest::mouseClick(dialog.view()->viewport(), Qt::LeftButton, {}, row.center());
+    QCOMPARE(selected.size(), 1);
 }
 
 QTEST_MAIN(TestRemoteFileDialogBase)

@@ -23,10 +23,16 @@ bool isDirectory(const QString &path)
     return !path.isEmpty() && QFileInfo(path).isDir();
 }
 
+/// A relative path is one from the working directory of the process.
 QString absolute(const QString &path)
 {
-    const QString cleaned = tul::cleanDialogPath(path);
-    return QDir::isAbsolutePath(cleaned) ? cleaned : tul::cleanDialogPath(QDir().filePath(cleaned));
+    return tul::cleanDialogPath(QDir::current().absoluteFilePath(tul::cleanDialogPath(path)));
+}
+
+/// Whether a path can only be that of a directory.
+bool namesDirectory(const QString &path)
+{
+    return QDir::fromNativeSeparators(path).endsWith(QLatin1Char('/'));
 }
 
 } // namespace
@@ -44,7 +50,7 @@ QString DialogNavigation::workingDirectory(const QString &directory)
         if (isDirectory(path))
             return path;
         const QString parent = tul::parentPath(path);
-        if (isDirectory(parent))
+        if (!namesDirectory(directory) && isDirectory(parent))
             return parent;
     }
     const QString last = lastVisitedDirectory();
@@ -53,7 +59,7 @@ QString DialogNavigation::workingDirectory(const QString &directory)
 
 QString DialogNavigation::initialSelection(const QString &directory)
 {
-    if (directory.isEmpty() || isDirectory(absolute(directory)))
+    if (directory.isEmpty() || namesDirectory(directory) || isDirectory(absolute(directory)))
         return {};
     return tul::lastElement(directory);
 }
@@ -62,7 +68,7 @@ bool DialogNavigation::goTo(const QString &path)
 {
     RemoteFileSystemModel *const model = m_context->model;
     const bool toDrives = path.isEmpty() || path == model->myComputer().toString();
-    const QString target = toDrives ? QString() : tul::cleanDialogPath(path);
+    const QString target = toDrives ? QString() : absolute(path);
     if (target == m_context->rootPath())
         return true;
     if (!toDrives && m_context->kindOf(target) != tul::FileKind::Directory)
@@ -73,10 +79,15 @@ bool DialogNavigation::goTo(const QString &path)
     return m_context->rootPath() == target;
 }
 
-void DialogNavigation::enter(const QString &path)
+bool DialogNavigation::enter(const QString &path)
 {
-    if (goTo(path))
-        announceEntered(m_context->rootPath());
+    if (!goTo(path))
+        return false;
+    // A name in the directory that was left is not chosen here.
+    if (tul::choosesDirectories(m_context->fileMode))
+        m_context->ui.fileNameEdit->clear();
+    announceEntered(m_context->rootPath());
+    return true;
 }
 
 void DialogNavigation::announceEntered(const QString &name)
@@ -122,7 +133,7 @@ void DialogNavigation::goHome()
     const QString home = m_context->dialog->tildeExpansion(QStringLiteral("~"));
     // Of a remote machine it may be unknown.
     if (!home.isEmpty())
-        enter(home);
+        goTo(home);
 }
 
 void DialogNavigation::goToPlace(const QUrl &url)
@@ -135,7 +146,12 @@ void DialogNavigation::goToEntry(const QString &path)
     const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
     if (QLineEdit *const edit = m_context->ui.lookInCombo->lineEdit())
         edit->setModified(false);
-    enter(path);
+    if (!enter(path))
+        m_context->warn(m_context->dialog->windowTitle(),
+                        RemoteFileDialogBase::tr("%1\nDirectory not found.\nPlease verify the "
+                                                 "correct directory name was given.")
+                            .arg(path),
+                        QMessageBox::Ok, QMessageBox::Ok);
     // The box shows the entry by now, wherever the dialog is.
     if (guard)
         showLookInText();
@@ -149,7 +165,13 @@ void DialogNavigation::goToTyped(const QString &text)
     }
     bool expanded = false;
     const QString path = m_context->dialog->tildeExpansion(text, &expanded);
-    goToEntry(tul::requestPath(expanded ? path : typedPath(path)));
+    const QString target = tul::requestPath(expanded ? path : typedPath(path));
+    const QLineEdit *const edit = m_context->ui.lookInCombo->lineEdit();
+    // The key that goes to one of the entries comes here as well.
+    if (edit && !edit->isModified() && absolute(target) == m_context->rootPath())
+        showLookInText();
+    else
+        goToEntry(target);
 }
 
 QString DialogNavigation::typedPath(const QString &text) const
@@ -214,8 +236,10 @@ void DialogNavigation::listed(const QString &path)
 {
     const QString directory = tul::requestPath(path);
     m_listed.insert(directory);
-    if (directory == m_context->rootPath())
-        setListing(false);
+    if (directory != m_context->rootPath())
+        return;
+    setListing(false);
+    updateButtons();
 }
 
 void DialogNavigation::start()
@@ -272,21 +296,24 @@ void DialogNavigation::updateButtons()
     ui.backButton->setEnabled(m_history.canGoBack());
     ui.forwardButton->setEnabled(m_history.canGoForward());
     ui.toParentButton->setEnabled(!isDrives);
-    ui.newFolderAction->setEnabled(!isDrives && !m_context->isReadOnly());
+    ui.newFolderAction->setEnabled(
+        !isDrives && !m_context->isReadOnly()
+        && (m_context->listing || m_context->isChangeable(m_context->rootIndex())));
     ui.newFolderButton->setEnabled(ui.newFolderAction->isEnabled());
 }
 
 void DialogNavigation::showLookInText()
 {
     QComboBox *const box = m_context->ui.lookInCombo;
-    const QSignalBlocker blocker(box);
     const QString path = m_context->rootPath();
     const RemoteFileSystemModel *const model = m_context->model;
     const QIcon icon = path.isEmpty() ? model->myComputer(Qt::DecorationRole).value<QIcon>()
                                       : model->fileIcon(m_context->rootIndex());
-    box->clear();
+    {
+        const QSignalBlocker blocker(box); // only the new text is announced
+        box->clear();
+    }
     box->addItem(icon, path.isEmpty() ? model->myComputer().toString() : path);
-    box->setCurrentIndex(0);
 }
 
 void DialogNavigation::fillLookInBox()
@@ -303,13 +330,18 @@ void DialogNavigation::fillLookInBox()
             box->addItem(model->myComputer(Qt::DecorationRole).value<QIcon>(),
                          model->myComputer().toString());
     }
-    if (m_recentPlaces.isEmpty())
+    QStringList places;
+    for (const QString &place : m_recentPlaces) {
+        if (!places.contains(place))
+            places.prepend(place);
+    }
+    if (places.isEmpty())
         return;
     box->insertSeparator(box->count());
     box->addItem(RemoteFileDialogBase::tr("Recent Places"));
     if (auto *const items = qobject_cast<QStandardItemModel *>(box->model()))
         items->item(box->count() - 1)->setEnabled(false);
     const QIcon folder = box->style()->standardIcon(QStyle::SP_DirIcon, nullptr, box);
-    for (auto place = m_recentPlaces.crbegin(); place != m_recentPlaces.crend(); ++place)
-        box->addItem(folder, *place);
+    for (const QString &place : qAsConst(places))
+        box->addItem(folder, place);
 }

@@ -33,8 +33,8 @@ public:
     /// there is no such directory.
     bool goTo(const QString &path);
 
-    /// Goes there and tells that the user has entered it.
-    void enter(const QString &path);
+    /// Goes there and tells that the user has entered it; false where goTo() answers so.
+    bool enter(const QString &path);
 
     void goBack() { step(-1); }
     void goForward() { step(1); }

@@ -63,8 +63,10 @@ struct RemoteFileDialogBaseArgs {
 /// be accepted is told to the user by a message box. Empty texts and lists mean none.
 ///
 /// *By design*: a completed name matches in any letter case, on a remote side too. All dialogs save
-/// to one place, the last one wins. Slots of the signals below may delete the dialog,
-/// except for currentChanged(), which comes from the midst of a view's work.
+/// to one place, the last one wins. A slot that wants to be rid of the dialog calls deleteLater():
+/// what the user does reaches it from the midst of a widget's work, which has to end first. Only
+/// when the host itself has called accept(), reject() or done() may a slot delete the dialog at
+/// once.
 class TUL_UTIL_GUI_EXPORT RemoteFileDialogBase : public QDialog
 {
     Q_OBJECT
@@ -81,10 +83,12 @@ class TUL_UTIL_GUI_EXPORT RemoteFileDialogBase : public QDialog
     Q_PROPERTY(QFileDialog::Options options READ options WRITE setOptions)
 
 public:
-    /// A dialog that begins in the last visited directory.
+    /// A dialog that begins in the last visited directory of the process or, where there is none
+    /// yet, in that of the saved state, or else in the working directory.
     RemoteFileDialogBase(QWidget *parent, Qt::WindowFlags flags);
 
-    /// `directory` may name a file, which is then suggested. An empty or missing one stands for the
+    /// `directory` may name a file, which is then suggested, and be relative to the working
+    /// directory. An empty one stands for where the other constructor begins; a missing one for the
     /// last visited directory of the process, or its working directory when there is none.
     explicit RemoteFileDialogBase(QWidget *parent = nullptr, const QString &caption = QString(),
                                   const QString &directory = QString(),
@@ -252,10 +256,12 @@ Q_SIGNALS:
     /// there is none any longer.
     void currentChanged(const QString &path);
 
-    /// Emitted when the user has gone to another directory, other than by back and forward.
+    /// Emitted when the user has gone to another directory, other than by back, forward and the
+    /// key to the home directory.
     void directoryEntered(const QString &directory);
 
-    /// Emitted when the dialog is accepted with exactly one file, after filesSelected().
+    /// Emitted when the dialog is accepted with exactly one file, after filesSelected(). Where any
+    /// file may be chosen, that is the first of those that were typed.
     void fileSelected(const QString &file);
 
     /// Emitted when the dialog is accepted.

@@ -11,6 +11,7 @@
 #include <QActionGroup>
 #include <QDialogButtonBox>
 #include <QFileIconProvider>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
@@ -20,6 +21,7 @@
 #include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QStyle>
 #include <QToolButton>
 
 #include <algorithm>
@@ -60,9 +62,10 @@ void RemoteFileDialogBasePrivate::construct(const QString &directory, const QStr
     QSettings settings(QSettings::UserScope, QStringLiteral("Vantorq"));
     settings.beginGroup(QStringLiteral("RemoteFileDialog"));
     const bool begun = !beginning.isEmpty() && navigation.goTo(beginning);
-    const QString start
-        = begun ? context.rootPath() : DialogNavigation::workingDirectory(directory);
-    if (begun || !directory.isEmpty())
+    QString start = begun ? context.rootPath() : QString();
+    if (!begun && !directory.isEmpty())
+        start = DialogNavigation::workingDirectory(directory);
+    if (!start.isEmpty())
         DialogNavigation::lastVisitedDirectory() = start;
     if (const auto state
         = DialogState::fromBytes(settings.value(QStringLiteral("state")).toByteArray()))
@@ -70,7 +73,11 @@ void RemoteFileDialogBasePrivate::construct(const QString &directory, const QStr
     if (!filter.isEmpty())
         filters.setNameFilters(tul::splitNameFilters(filter));
     setAcceptMode(QFileDialog::AcceptOpen);
-    navigation.goTo(start);
+    // Without an argument the dialog stays where the restored state has brought it.
+    if (start.isEmpty() && context.rootPath().isEmpty())
+        start = DialogNavigation::workingDirectory({});
+    if (!start.isEmpty())
+        navigation.goTo(start);
     selection.selectFile(DialogNavigation::initialSelection(directory));
     selection.updateAcceptButton();
     navigation.start();
@@ -250,6 +257,7 @@ void RemoteFileDialogBasePrivate::cutConnections()
 void RemoteFileDialogBasePrivate::setFileMode(QFileDialog::FileMode mode)
 {
     context.fileMode = mode;
+    context.options.setFlag(QFileDialog::ShowDirsOnly, mode == tul::directoryOnly);
     const auto rows = mode == QFileDialog::ExistingFiles ? QAbstractItemView::ExtendedSelection
                                                          : QAbstractItemView::SingleSelection;
     context.ui.listView->setSelectionMode(rows);
@@ -282,6 +290,8 @@ void RemoteFileDialogBasePrivate::setOptions(QFileDialog::Options options)
         filters.updateEntryFilter();
     if (changed & QFileDialog::ReadOnly) {
         context.model->setReadOnly(context.isReadOnly());
+        context.ui.renameAction->setEnabled(!context.isReadOnly());
+        context.ui.deleteAction->setEnabled(!context.isReadOnly());
         navigation.updateButtons();
     }
     if (changed & QFileDialog::DontResolveSymlinks)
@@ -483,8 +493,15 @@ void RemoteFileDialogBasePrivate::activate(const QModelIndex &viewIndex)
     const QModelIndex entry = context.toModel(viewIndex.siblingAtColumn(0));
     if (!entry.isValid())
         return;
+    const QAbstractItemView *const view = context.view();
     if (!context.model->isDir(entry)) {
-        q->accept();
+        // Where a click activates, one with this key chooses another file.
+        const bool adds = context.fileMode == QFileDialog::ExistingFiles
+            && QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier)
+            && view->style()->styleHint(QStyle::SH_ItemView_ActivateItemOnSingleClick, nullptr,
+                                        view);
+        if (!adds)
+            q->accept();
         return;
     }
     const QString path = context.path(entry);
