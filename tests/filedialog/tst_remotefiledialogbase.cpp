@@ -101,7 +101,7 @@ private Q_SLOTS:
     void followsTheLanguage();
     void argumentsLeaveTheNameSelected();
     void beginsWhereTheArgumentSays();
-    void keepsItsLayoutForTheNextDialog();
+    void keepsItsLayoutForTheNextProcess();
     void restoresWhatCanBeRestored();
     void widensPanesThatHaveNoWidth();
     void openCallsTheMemberOnce();
@@ -245,21 +245,35 @@ void TestRemoteFileDialogBase::beginsWhereTheArgumentSays()
     QCOMPARE(Dialog(QString()).shown(), path("root/sub"));
 }
 
-void TestRemoteFileDialogBase::keepsItsLayoutForTheNextDialog()
+void TestRemoteFileDialogBase::keepsItsLayoutForTheNextProcess()
 {
-    const QList<QUrl> places{QUrl::fromLocalFile(path("root")), QUrl("file:"_s)};
-    {
-        Dialog dialog(path("root"));
+    const char *const variable = "TST_DIALOG_FOLDER";
+    const QString shared = qEnvironmentVariable(variable, m_folder->path());
+    const QList<QUrl> places{QUrl::fromLocalFile(shared), QUrl("file:"_s)};
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, shared + "/settings"_s);
+    if (qEnvironmentVariableIsSet(variable)) { // in the other process
+        Dialog dialog(shared + "/root"_s);
         dialog.setSidebarUrls(places);
         dialog.setHistory({"/one"_s, QString()});
         dialog.setViewMode(QFileDialog::Detail);
         dialog.header()->actions().at(1)->trigger();
         dialog.header()->resizeSection(0, 333);
+        return;
     }
-    const Dialog dialog(path("root/sub"));
+    QProcess other;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QLatin1String(variable), shared);
+    other.setProcessEnvironment(environment);
+    other.start(QCoreApplication::applicationFilePath(), {"keepsItsLayoutForTheNextProcess"_s});
+    QVERIFY(other.waitForFinished());
+    QCOMPARE(other.exitCode(), 0);
+    QVERIFY(QDir::setCurrent("/"_s));
+
+    const Dialog dialog(QString{});
+    QCOMPARE(dialog.directory().path(), path("root"));
     QCOMPARE(dialog.sidebarUrls(), places);
     QCOMPARE(dialog.viewMode(), QFileDialog::Detail);
-    QCOMPARE(dialog.history(), (QStringList{"/one"_s, path("root"), path("root/sub")}));
+    QCOMPARE(dialog.history(), (QStringList{"/one"_s, path("root")}));
     QCOMPARE(dialog.header()->sectionSize(0), 333);
     QVERIFY(dialog.header()->isSectionHidden(2));
     QVERIFY(!dialog.header()->actions().at(1)->isChecked());
