@@ -311,8 +311,10 @@ private:
         const Names filters = texts(types->model());
         lines += {"selected "_s + selected.join(QLatin1Char('|')),
                   "types %1 %2"_s.arg(types->isEnabled()).arg(filters.join(QLatin1Char('|')))};
-        if (dialog()->directory().path().startsWith(m_root))
-            lines += rows();
+        // Without their order: each of the models sorts when it comes to it.
+        Names names = dialog()->directory().path().startsWith(m_root) ? rows() : Names();
+        names.sort();
+        lines += names;
         for (QString &line : lines)
             line = brief(line);
         return lines;
