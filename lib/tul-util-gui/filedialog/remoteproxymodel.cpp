@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QTimerEvent>
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -12,6 +13,7 @@ namespace
 
 const int manyRows = 100; // for which the base class would not look one by one
 const int pauseFactor = 3; // between two sorts, in times of the first
+const int longestPause = 1000; // milliseconds
 
 } // namespace
 
@@ -35,8 +37,8 @@ void RemoteProxyModel::setSourceModel(QAbstractItemModel *sourceModel)
     if (sourceModel) {
         // Before the base class connects itself, to be told first.
         m_connections = {connect(sourceModel, &QAbstractItemModel::rowsAboutToBeInserted, this,
-                                 [this](const QModelIndex &, int first, int last) {
-                                     prepareForRows(last - first + 1);
+                                 [this](const QModelIndex &parent, int first, int last) {
+                                     prepareForRows(parent, last - first + 1);
                                  }),
                          connect(sourceModel, &QAbstractItemModel::dataChanged, this, [this] {
                              m_missedChange = m_missedChange || m_sortTimer.isActive();
@@ -45,10 +47,17 @@ void RemoteProxyModel::setSourceModel(QAbstractItemModel *sourceModel)
     QSortFilterProxyModel::setSourceModel(sourceModel);
 }
 
-void RemoteProxyModel::prepareForRows(int count)
+void RemoteProxyModel::prepareForRows(const QModelIndex &sourceParent, int count)
 {
-    if (count < manyRows || !dynamicSortFilter() || sortColumn() < 0)
+    const bool isWaiting = m_sortTimer.isActive();
+    if (!isWaiting && (count < manyRows || !dynamicSortFilter() || sortColumn() < 0))
         return;
+    if (m_sortedParent != sourceParent) { // which may be small
+        m_sortedParent = sourceParent;
+        m_sortPause = 0;
+    } else if (isWaiting) {
+        return;
+    }
     setDynamicSortFilter(false);
     m_sortTimer.start(m_sortPause, this);
 }
@@ -63,7 +72,7 @@ void RemoteProxyModel::timerEvent(QTimerEvent *event)
     QElapsedTimer time;
     time.start();
     setDynamicSortFilter(true);
-    m_sortPause = pauseFactor * static_cast<int>(time.elapsed());
+    m_sortPause = std::min(pauseFactor * static_cast<int>(time.elapsed()), longestPause);
     if (std::exchange(m_missedChange, false))
         invalidateFilter();
 }

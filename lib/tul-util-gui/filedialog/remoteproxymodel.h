@@ -5,6 +5,7 @@
 
 #include <QBasicTimer>
 #include <QMetaObject>
+#include <QPersistentModelIndex>
 #include <QSortFilterProxyModel>
 
 #include <array>
@@ -17,7 +18,8 @@
 ///
 /// Of a large directory that is being listed the new rows come last for a moment, and are then put
 /// in their places all at once: the base class would find a place for each alone, which takes
-/// seconds. Until then dynamicSortFilter() is false.
+/// seconds. Until then dynamicSortFilter() is false, and it is true afterwards: whoever wants it
+/// off sets it when nothing is being listed.
 ///
 /// *By design*: only an ascending order by name or size begins with the directories.
 class TUL_UTIL_GUI_EXPORT RemoteProxyModel : public QSortFilterProxyModel
@@ -39,12 +41,13 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
-    void prepareForRows(int count);
+    void prepareForRows(const QModelIndex &sourceParent, int count);
     bool comparesShownNames() const;
 
     RemoteFileDialog::FileSystemLocation m_location = RemoteFileDialog::RemoteLocation;
     std::array<QMetaObject::Connection, 2> m_connections; // to the source model
     QBasicTimer m_sortTimer; // active while new rows wait for their places
-    int m_sortPause = 0; // milliseconds until then
+    QPersistentModelIndex m_sortedParent; // of the new rows, in the source model
+    int m_sortPause = 0; // milliseconds between two sorts of them
     bool m_missedChange = false; // of a row, that the filter did not look at
 };
