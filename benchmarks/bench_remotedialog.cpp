@@ -128,6 +128,8 @@ void run(SshServer *server, const Case &what)
     if (!QTest::qWaitFor([&] { return isOpen; }, patience))
         return;
 
+    RemoteFileDialog::setRemoteHomeDirectory(RemoteFileDialog::remotePrefix()
+                                             + remote.connection()->homeDirectory());
     const SftpClient &client = *remote.connection()->client();
     const SftpClient::Statistics before = client.statistics();
     const QString path = server->home() + QLatin1Char('/') + QLatin1String(what.directory);
