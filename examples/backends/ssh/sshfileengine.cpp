@@ -86,7 +86,7 @@ QAbstractFileEngine::FileFlags permissionFlags(const SftpAttributes &attributes,
     const uint mode = attributes.mode;
     const uint bits = ((mode & 0700U) << 6U) | ((mode & 070U) << 1U) | ((mode & 07U))
         | (userBits(attributes, client) << 8U);
-    return QAbstractFileEngine::FileFlags(static_cast<int>(bits));
+    return QFlag(static_cast<int>(bits));
 }
 
 /// Open modes as the toolkit means them, in the words of the protocol; 0 for nonsense.

@@ -100,14 +100,16 @@ bool SshFileSystem::known(const QByteArray &remotePath, SftpEntry *entry) const
 bool SshFileSystem::knownLocked(const QByteArray &remotePath, SftpEntry *entry) const
 {
     ageLocked();
-    for (const auto *const generation : {&m_young, &m_old}) {
-        const auto found = generation->constFind(remotePath);
-        if (found != generation->constEnd()) {
-            *entry = *found;
-            return true;
-        }
+    const auto young = m_young.constFind(remotePath);
+    if (young != m_young.constEnd()) {
+        *entry = *young;
+        return true;
     }
-    return false;
+    const auto old = m_old.constFind(remotePath);
+    if (old == m_old.constEnd())
+        return false;
+    *entry = *old;
+    return true;
 }
 
 void SshFileSystem::remember(const QByteArray &remotePath, const SftpEntry &entry, quint32 changes)

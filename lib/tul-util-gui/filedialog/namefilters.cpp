@@ -10,7 +10,7 @@ namespace tul
 namespace
 {
 
-constexpr QLatin1String separator(";;");
+const QLatin1String separator(";;");
 
 /// Where the brackets at the end of a filter begin; -1 when there are none.
 int detailsBegin(const QString &filter)

@@ -95,7 +95,7 @@ RemoteFileDialogBase::~RemoteFileDialogBase()
 
 QDir RemoteFileDialogBase::directory() const
 {
-    return QDir(d->context.model->rootPath());
+    return {d->context.model->rootPath()};
 }
 
 void RemoteFileDialogBase::setDirectory(const QString &directory)
