@@ -227,7 +227,7 @@ void DialogSelection::accept()
         return;
     case tul::AcceptAction::EnterDirectory:
         RemoteFileDialogBasePrivate::of(m_context->dialog)->navigation.goTo(decision.path);
-        if (request.fileMode != QFileDialog::AnyFile)
+        if (guard && request.fileMode != QFileDialog::AnyFile)
             m_context->ui.fileNameEdit->clear();
         return;
     case tul::AcceptAction::TellMissingFile:

@@ -64,9 +64,9 @@ struct RemoteFileDialogBaseArgs {
 ///
 /// *By design*: a completed name matches in any letter case, on a remote side too. All dialogs save
 /// to one place, the last one wins. A slot that wants to be rid of the dialog calls deleteLater():
-/// what the user does reaches it from the midst of a widget's work, which has to end first. Only
-/// when the host itself has called accept(), reject() or done() may a slot delete the dialog at
-/// once.
+/// what the user does reaches it from the midst of a widget's work, which has to end first. Only in
+/// filesSelected(), fileSelected() and the signals of QDialog, and only when the host itself has
+/// called accept(), reject() or done(), may a slot delete the dialog at once.
 class TUL_UTIL_GUI_EXPORT RemoteFileDialogBase : public QDialog
 {
     Q_OBJECT
