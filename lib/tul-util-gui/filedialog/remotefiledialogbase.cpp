@@ -301,7 +301,8 @@ QList<QUrl> RemoteFileDialogBase::sidebarUrls() const
 
 void RemoteFileDialogBase::setSidebarUrls(const QList<QUrl> &urls)
 {
-    d->showPlaces(urls);
+    d->context.ui.sidebar->setUrls(urls);
+    d->context.ui.sidebar->selectUrl(QUrl::fromLocalFile(d->context.rootPath()));
 }
 
 QAbstractProxyModel *RemoteFileDialogBase::proxyModel() const

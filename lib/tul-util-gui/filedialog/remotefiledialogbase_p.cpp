@@ -24,8 +24,6 @@
 #include <QStyle>
 #include <QToolButton>
 
-#include <algorithm>
-
 namespace
 {
 
@@ -338,20 +336,6 @@ void RemoteFileDialogBasePrivate::setProxyModel(QAbstractProxyModel *proxy)
         });
 }
 
-void RemoteFileDialogBasePrivate::showPlaces(const QList<QUrl> &places)
-{
-    // The side bar looks each of them up. Whoever serves a deep one tells of those above as well.
-    QStringList paths;
-    for (const QUrl &place : places)
-        paths.append(place.toLocalFile());
-    std::sort(paths.begin(), paths.end(),
-              [](const QString &a, const QString &b) { return a.size() > b.size(); });
-    for (const QString &path : qAsConst(paths))
-        context.model->index(path);
-    context.ui.sidebar->setUrls(places);
-    context.ui.sidebar->selectUrl(QUrl::fromLocalFile(context.rootPath()));
-}
-
 DialogState RemoteFileDialogBasePrivate::state() const
 {
     const DialogWidgets &ui = context.ui;
@@ -380,7 +364,7 @@ bool RemoteFileDialogBasePrivate::restore(const DialogState &state)
     // Ahead of the places, many of which are above it.
     const QString last = DialogNavigation::lastVisitedDirectory();
     navigation.goTo(last.isEmpty() ? state.directory : last);
-    showPlaces(state.sidebarUrls);
+    q->setSidebarUrls(state.sidebarUrls);
     QHeaderView *const header = ui.treeView->header();
     if (!header->restoreState(state.header))
         return false;

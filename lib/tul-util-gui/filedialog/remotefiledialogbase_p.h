@@ -38,8 +38,6 @@ public:
     void setViewMode(QFileDialog::ViewMode mode);
     void setProxyModel(QAbstractProxyModel *proxy);
 
-    void showPlaces(const QList<QUrl> &places);
-
     DialogState state() const;
     bool restore(const DialogState &state);
 
