@@ -146,15 +146,23 @@ void DialogNavigation::goToEntry(const QString &path)
     const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
     if (QLineEdit *const edit = m_context->ui.lookInCombo->lineEdit())
         edit->setModified(false);
-    if (!enter(path))
-        m_context->warn(m_context->dialog->windowTitle(),
-                        RemoteFileDialogBase::tr("%1\nDirectory not found.\nPlease verify the "
-                                                 "correct directory name was given.")
-                            .arg(path),
-                        QMessageBox::Ok, QMessageBox::Ok);
+    const bool entered = enter(path);
+    if (!guard)
+        return;
     // The box shows the entry by now, wherever the dialog is.
-    if (guard)
-        showLookInText();
+    showLookInText();
+    // Later: the look-in box is still at work, and whoever closes the complaint may delete it.
+    if (!entered)
+        QMetaObject::invokeMethod(
+            m_context->dialog, [this, path] { tellMissing(path); }, Qt::QueuedConnection);
+}
+
+void DialogNavigation::tellMissing(const QString &path) const
+{
+    const QString text = RemoteFileDialogBase::tr("%1\nDirectory not found.\nPlease verify the "
+                                                  "correct directory name was given.");
+    m_context->warn(m_context->dialog->windowTitle(), text.arg(path), QMessageBox::Ok,
+                    QMessageBox::Ok);
 }
 
 void DialogNavigation::goToTyped(const QString &text)

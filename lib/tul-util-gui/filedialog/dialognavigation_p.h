@@ -82,6 +82,7 @@ private:
     QString typedPath(const QString &text) const;
     void step(int by);
     void announceEntered(const QString &name);
+    void tellMissing(const QString &path) const;
     void setListing(bool listing);
     void updateNote();
 
