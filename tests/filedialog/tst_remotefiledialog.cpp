@@ -197,6 +197,8 @@ void TestRemoteFileDialog::switchingSidesDropsWhatIsOfTheOther()
     dialog.setLocation(RemoteFileDialog::AnyLocation);
     QCOMPARE(dialog.shown(), "remote:/usr"_s);
     QCOMPARE(dialog.places().size(), 2);
+    dialog.setDirectory(QDir::homePath());
+    dialog.setDirectory("remote:/usr"_s);
     dialog.setLocation(RemoteFileDialog::LocalLocation);
     QCOMPARE(dialog.shown(), QDir::homePath());
     QCOMPARE(dialog.places(), words("/tmp"));

@@ -123,6 +123,7 @@ private Q_SLOTS:
     void acceptsWhileTheListingIsPending();
     void saysThatADirectoryCannotBeRead();
     void goesUpFromADirectoryThatIsGone();
+    void stepsOverADirectoryThatIsGone();
     void tellsOfAFileThatIsGone();
     void clickThatActivatesCanAddToTheChoice();
 
@@ -565,6 +566,20 @@ void TestRemoteFileDialogBase::goesUpFromADirectoryThatIsGone()
     QSignalSpy entered(&dialog, &RemoteFileDialogBase::directoryEntered);
     QVERIFY(dialog.call("_q_navigateToParent"));
     QCOMPARE(entered.value(0).value(0).toString(), path("root/sub"));
+}
+
+void TestRemoteFileDialogBase::stepsOverADirectoryThatIsGone()
+{
+    QVERIFY(QDir().mkpath(path("root/sub/x")));
+    Dialog dialog(path("root"));
+    for (const char *const next : {"root/sub", "root/sub/x", "root/sub"})
+        dialog.setDirectory(path(next));
+    QVERIFY(QDir().rmdir(path("root/sub/x")));
+    dialog.child<QToolButton>("backButton")->click();
+    QCOMPARE(dialog.shown(), path("root"));
+    dialog.child<QToolButton>("forwardButton")->click();
+    QCOMPARE(dialog.shown(), path("root/sub"));
+    QVERIFY(!dialog.child<QToolButton>("forwardButton")->isEnabled());
 }
 
 void TestRemoteFileDialogBase::tellsOfAFileThatIsGone()

@@ -42,18 +42,22 @@ public:
     {
         m_places.removeAt(m_current);
         m_current -= by > 0 ? 1 : 0;
+        keep([](const QString &) { return true; });
     }
 
-    /// Forgets the places that `isKept` refuses. The shown one stays in any case.
+    /// Forgets the places that `isKept` refuses. The shown one stays in any case. What comes to
+    /// stand next to its like becomes one place: a step from one to the other leads nowhere.
     template<class Predicate> void keep(Predicate isKept)
     {
         QVector<Place> kept;
         int current = m_current;
         for (int i = 0; i < m_places.size(); ++i) {
-            if (i == m_current || isKept(m_places.at(i).path))
-                kept.append(m_places.at(i));
-            else if (i < m_current)
-                --current;
+            const Place &place = m_places.at(i);
+            const bool repeated = !kept.isEmpty() && kept.constLast().path == place.path;
+            if (!repeated && (i == m_current || isKept(place.path)))
+                kept.append(place);
+            if (i == m_current)
+                current = kept.size() - 1;
         }
         m_places = kept;
         m_current = current;
