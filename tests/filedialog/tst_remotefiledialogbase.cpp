@@ -124,6 +124,7 @@ private Q_SLOTS:
     void saysThatADirectoryCannotBeRead();
     void goesUpFromADirectoryThatIsGone();
     void stepsOverADirectoryThatIsGone();
+    void deletesWhatIsLeftOfTheChosen();
     void tellsOfAFileThatIsGone();
     void clickThatActivatesCanAddToTheChoice();
 
@@ -580,6 +581,26 @@ void TestRemoteFileDialogBase::stepsOverADirectoryThatIsGone()
     dialog.child<QToolButton>("forwardButton")->click();
     QCOMPARE(dialog.shown(), path("root/sub"));
     QVERIFY(!dialog.child<QToolButton>("forwardButton")->isEnabled());
+}
+
+void TestRemoteFileDialogBase::deletesWhatIsLeftOfTheChosen()
+{
+    for (const char *const name : {"root/sub/a", "root/sub/b", "root/sub/c"})
+        QVERIFY(QFile(path(name)).open(QIODevice::WriteOnly));
+    Dialog dialog(path("root/sub"));
+    dialog.setFileMode(QFileDialog::ExistingFiles);
+    dialog.showRows(3);
+    dialog.view()->selectAll();
+    const ModalSteps::Step yes = ModalSteps::with<QMessageBox>([&](QMessageBox *box) {
+        QFile::remove(path("root/sub/b"));
+        QTest::keyClick(dialog.view(), Qt::Key_F5);
+        QTRY_VERIFY(!dialog.rows().contains("b"_s));
+        box->button(QMessageBox::Yes)->click();
+    });
+    const ModalSteps steps({yes, yes});
+    QVERIFY(dialog.call("_q_deleteCurrent"));
+    QCOMPARE(steps.shown(), 2);
+    QVERIFY(QDir(path("root/sub")).isEmpty());
 }
 
 void TestRemoteFileDialogBase::tellsOfAFileThatIsGone()

@@ -31,7 +31,10 @@ void DialogOperations::deleteSelected()
     std::reverse(paths.begin(), paths.end());
     const QPointer<RemoteFileDialogBase> guard(m_context->dialog);
     for (const QString &path : qAsConst(paths)) {
-        const bool goesOn = isAllowedToDelete(path);
+        const QModelIndex entry = m_context->model->index(path);
+        if (!entry.parent().isValid()) // gone, or a drive
+            continue;
+        const bool goesOn = isAllowedToDelete(entry);
         if (!guard || !goesOn)
             return;
         remove(path);
@@ -40,11 +43,8 @@ void DialogOperations::deleteSelected()
     }
 }
 
-bool DialogOperations::isAllowedToDelete(const QString &path) const
+bool DialogOperations::isAllowedToDelete(const QModelIndex &entry) const
 {
-    const QModelIndex entry = m_context->model->index(path);
-    if (!entry.parent().isValid()) // gone, or a drive
-        return false;
     const QString name = m_context->model->fileName(entry);
     const auto isYesTo = [this, name](const QString &question) {
         return m_context->warn(RemoteFileDialogBase::tr("Delete"), question.arg(name),

@@ -5,6 +5,7 @@
 
 class DialogContext;
 class QAbstractItemView;
+class QModelIndex;
 
 /// What a file dialog does to files: rename, delete, make a folder; and the menu that offers it.
 ///
@@ -24,7 +25,7 @@ public:
     void showContextMenu(QAbstractItemView *view, const QPoint &position);
 
 private:
-    bool isAllowedToDelete(const QString &path) const;
+    bool isAllowedToDelete(const QModelIndex &entry) const;
     void remove(const QString &path);
     QString freeFolderName() const;
 
