@@ -245,6 +245,16 @@ void TestRemoteFileDialog::textInTheLookInBoxLeadsToTheRemoteSide()
             QCOMPARE(dialog.lookIn()->currentText(), shown);
         }
     }
+    // What was typed goes with the directory that is left on purpose.
+    Dialog left(RemoteFileDialog::RemoteLocation, "/home/user"_s);
+    left.show();
+    QVERIFY(QTest::qWaitForWindowActive(&left));
+    left.lookIn()->setFocus();
+    for (const char *const button : {"toParentButton", "backButton"}) {
+        QTest::keyClick(left.lookIn(), Qt::Key_Z);
+        left.findChild<QToolButton *>(QLatin1String(button))->click();
+        QCOMPARE(left.lookIn()->currentText(), left.shown());
+    }
     // The text of a directory that was set without the prefix leads there, too.
     Dialog dialog(RemoteFileDialog::RemoteLocation);
     dialog.setDirectory("/usr"_s);

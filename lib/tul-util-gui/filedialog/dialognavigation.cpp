@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QItemSelectionModel>
 #include <QLineEdit>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QStandardItemModel>
 #include <QToolButton>
@@ -205,9 +206,11 @@ bool DialogNavigation::isTyping() const
 
 void DialogNavigation::followTyping(const QString &path)
 {
-    if (!isTyping()
-        || m_context->likelyKindOf(tul::cleanDialogPath(path)) == tul::FileKind::Directory)
-        goTo(path);
+    const bool typing = isTyping();
+    if (typing && m_context->likelyKindOf(tul::cleanDialogPath(path)) != tul::FileKind::Directory)
+        return;
+    const QScopedValueRollback<bool> keeping(m_keepsText, typing);
+    goTo(path);
 }
 
 void DialogNavigation::endTyping()
@@ -233,7 +236,7 @@ void DialogNavigation::rootChanged()
     m_context->ui.sidebar->selectUrl(QUrl::fromLocalFile(path));
     m_history.visit(path);
     updateButtons();
-    if (!isTyping())
+    if (!m_keepsText)
         showLookInText();
     if (m_started && !path.isEmpty())
         lastVisitedDirectory() = path;

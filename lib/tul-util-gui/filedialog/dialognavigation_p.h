@@ -92,4 +92,5 @@ private:
     QSet<QString> m_listed; ///< directories whose entries the model has already
     QString m_root; ///< the directory that is shown
     bool m_started = false;
+    bool m_keepsText = false; ///< the look-in box has what is being typed, which leads there
 };
