@@ -229,7 +229,9 @@ void TestRemoteFileDialog::textInTheLookInBoxLeadsToTheRemoteSide()
             QCOMPARE(dialog.shown(), follows ? shown : "remote:/usr"_s);
         }
         for (const Qt::Key end : {Qt::Key_Return, Qt::Key_Tab}) {
+            RemoteFileDialog::setDefaultWorkingDirectory(QString());
             Dialog dialog(RemoteFileDialog::RemoteLocation, "/usr"_s);
+            RemoteFileDialog::setDefaultWorkingDirectory(workingDirectory);
             dialog.show();
             QVERIFY(QTest::qWaitForWindowActive(&dialog));
             dialog.lookIn()->setFocus();
@@ -241,6 +243,9 @@ void TestRemoteFileDialog::textInTheLookInBoxLeadsToTheRemoteSide()
             QCOMPARE(dialog.lookIn()->currentText(), text); // it is the user's until he is done
             const ModalSteps notFound({[](QWidget *box) { box->close(); }});
             QTest::keyClick(dialog.lookIn(), end);
+            QCoreApplication::processEvents();
+            QCOMPARE(notFound.shown(), end == Qt::Key_Return && text == "lib"_s ? 1 : 0);
+            QTest::keyClick(dialog.lookIn(), Qt::Key_Return); // where nothing was typed
             QCOMPARE(dialog.shown(), shown);
             QCOMPARE(dialog.lookIn()->currentText(), shown);
         }

@@ -172,30 +172,33 @@ void DialogNavigation::goToTyped(const QString &text)
         goToEntry(text.isEmpty() ? m_context->rootPath() : text);
         return;
     }
-    bool expanded = false;
-    const QString path = m_context->dialog->tildeExpansion(text, &expanded);
-    const QString target = tul::requestPath(expanded ? path : typedPath(path));
     const QLineEdit *const edit = m_context->ui.lookInCombo->lineEdit();
     // The key that goes to one of the entries comes here as well.
-    if (edit && !edit->isModified() && absolute(target) == m_context->rootPath())
+    if (edit && !edit->isModified() && text == m_context->rootPath()) {
         showLookInText();
-    else
-        goToEntry(target);
+        return;
+    }
+    bool expanded = false;
+    const QString path = m_context->dialog->tildeExpansion(text, &expanded);
+    goToEntry(tul::requestPath(expanded ? path : typedPath(path)));
 }
 
 QString DialogNavigation::typedPath(const QString &text) const
 {
+    const QString given = lookInPath ? lookInPath(text) : QString();
+    if (!given.isEmpty())
+        return given;
     const QString root = m_context->rootPath();
     if (text.startsWith(QLatin1Char('/')))
         return tul::joinElements(tul::splitPath(root).mid(0, 1)) + text;
     if (!QDir::isAbsolutePath(text))
-        return tul::joinSlash(lookInBase.isEmpty() ? root : lookInBase, text);
+        return tul::joinSlash(root, text);
     const QString prefix = text.left(text.indexOf(QLatin1Char(':')) + 1);
     const QString rest = text.mid(prefix.size());
     constexpr int sizeOfDrive = 2;
     if (prefix.size() <= sizeOfDrive || rest.isEmpty() || rest.startsWith(QLatin1Char('/')))
         return text;
-    return tul::joinSlash(lookInBase.startsWith(prefix) ? lookInBase : prefix, rest);
+    return tul::joinSlash(prefix, rest);
 }
 
 bool DialogNavigation::isTyping() const

@@ -73,9 +73,9 @@ public:
     void showLookInText();
     void updateButtons();
 
-    /// Where what is typed into the look-in box begins, unless it is absolute; empty for the shown
-    /// directory.
-    QString lookInBase;
+    /// The path that a derived dialog takes a text of the look-in box for, the same to which it
+    /// goes along with the typing; none, or an empty path, for one from the shown directory.
+    std::function<QString(const QString &text)> lookInPath;
 
 private:
     bool isTyping() const;

@@ -1,3 +1,4 @@
+#include <tul-util-gui/filedialog/dialogpaths_p.h>
 #include <tul-util-gui/filedialog/remotefiledialog.h>
 #include <tul-util-gui/filedialog/remotefiledialogbase_p.h>
 #include <tul-util-gui/filedialog/remoteproxymodel.h>
@@ -144,6 +145,7 @@ void RemoteFileDialog::init()
     setProxyModel(proxy);
 
     m_lookInCombo = findChild<QComboBox *>();
+    navigation().lookInPath = [this](const QString &text) { return lookInPath(text); };
     connect(m_lookInCombo, QOverload<int>::of(&QComboBox::activated), this,
             &RemoteFileDialog::delayedCheckDirectory);
     connect(m_lookInCombo, &QComboBox::editTextChanged, this,
@@ -177,8 +179,6 @@ DialogNavigation &RemoteFileDialog::navigation()
 void RemoteFileDialog::setLocation(FileSystemLocation location)
 {
     m_location = location;
-    navigation().lookInBase
-        = isRemote() ? tul::remoteSettings().defaultWorkingDirectory : QString();
     // Whichever is in force: a host may have put its own in place of the first.
     if (auto *const proxy = qobject_cast<RemoteProxyModel *>(proxyModel()))
         proxy->setLocation(location);
@@ -323,13 +323,22 @@ void RemoteFileDialog::checkDirectory(const QString &path)
 {
     if (fileSystemModel()->rootPath().isEmpty() || !isRemote() || path.isEmpty())
         return;
+    const QString directory = lookInPath(path);
+    if (directory != path)
+        navigation().followTyping(directory);
+}
+
+QString RemoteFileDialog::lookInPath(const QString &text) const
+{
+    if (!isRemote())
+        return {};
     const tul::RemoteSettings &settings = tul::remoteSettings();
-    const QString rest = tul::stripPrefix(path, settings.prefix);
-    // By design: relative to the default working directory, not to the one that is shown.
+    const QString rest = tul::stripPrefix(text, settings.prefix);
+    // By design: relative to the default working directory, not to the one that is shown, and on
+    // whichever side that lies. Where there is none, it is a path of this machine.
     if (!rest.isEmpty() && !rest.startsWith(QLatin1Char('/')))
-        navigation().followTyping(settings.defaultWorkingDirectory + QLatin1Char('/') + rest);
-    else if (!isRemotePath(path))
-        navigation().followTyping(settings.prefix + path);
+        return tul::cleanDialogPath(settings.defaultWorkingDirectory + QLatin1Char('/') + rest);
+    return tul::addPrefix(text, settings.prefix);
 }
 
 QString RemoteFileDialog::getOpenFileName(QWidget *parent, const QString &caption,

@@ -147,6 +147,7 @@ private:
     bool isLocalPath(const QString &path) const;
     bool isOfThisSide(const QString &path) const;
     void checkDirectory(const QString &path);
+    QString lookInPath(const QString &text) const;
     void filterHistory();
     void filterPlaces();
     void leaveOtherSide();
