@@ -91,9 +91,8 @@ const ArrayNumbers *ArrayTable::Private::tile(const TileKey &key)
     std::unique_ptr<ArrayNumbers> read(readTile(key));
     if (!read)
         return nullptr;
-    const ArrayNumbers *const result = read.get();
     tiles.insert(key, read.release());
-    return result;
+    return tiles.object(key);
 }
 
 ArrayNumbers *ArrayTable::Private::readTile(const TileKey &key)
