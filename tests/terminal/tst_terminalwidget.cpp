@@ -492,6 +492,16 @@ void TestTerminalWidget::typedKeysComeBeforeShortcutsAndFocus()
     view.setTabChangesFocus(true);
     QTest::keyClick(window, Qt::Key_Tab);
     QVERIFY(other.hasFocus());
+
+    // What is laid over the display has its own keys, and those that it leaves are not typed.
+    view.setTabChangesFocus(false);
+    const QSignalSpy returned(&view, &TerminalWidget::returnPressed);
+    QTest::keyClick(window, Qt::Key_Return);
+    QTest::keyClick(window, Qt::Key_Escape);
+    QCOMPARE(returned.size(), 0);
+    QCOMPARE(triggered.size(), 2);
+    QTest::keyClick(window, Qt::Key_Tab);
+    QVERIFY(!other.hasFocus());
 }
 
 void TestTerminalWidget::pasteStandsAfterCopyInTheMenu()

@@ -68,6 +68,14 @@ bool isBeforeShortcuts(QKeyEvent *event)
         || event->matches(QKeySequence::SelectAll);
 }
 
+/// Whether keys are typed into a widget that a host has laid over the display, such as a field to
+/// search with. What that one leaves alone comes here, and is no input of the program.
+bool isForChild(const QWidget *display)
+{
+    const QWidget *const focus = QApplication::focusWidget();
+    return focus && focus != display && display->isAncestorOf(focus);
+}
+
 } // namespace
 
 class TerminalWidgetPrivate
@@ -487,7 +495,7 @@ void TerminalWidget::changeEvent(QEvent *event)
 
 bool TerminalWidget::event(QEvent *event)
 {
-    if (event->type() == QEvent::ShortcutOverride && d->terminal
+    if (event->type() == QEvent::ShortcutOverride && d->terminal && !isForChild(this)
         && isBeforeShortcuts(static_cast<QKeyEvent *>(event))) {
         event->accept();
         return true;
@@ -497,7 +505,7 @@ bool TerminalWidget::event(QEvent *event)
 
 bool TerminalWidget::focusNextPrevChild(bool next)
 {
-    const bool isTyped = d->terminal && !tabChangesFocus();
+    const bool isTyped = d->terminal && !tabChangesFocus() && !isForChild(this);
     return !isTyped && QTextEdit::focusNextPrevChild(next);
 }
 
@@ -522,7 +530,7 @@ QVariant TerminalWidget::inputMethodQuery(Qt::InputMethodQuery query) const
 
 void TerminalWidget::keyPressEvent(QKeyEvent *event)
 {
-    if (!d->terminal) {
+    if (!d->terminal || isForChild(this)) {
         event->ignore();
         return;
     }

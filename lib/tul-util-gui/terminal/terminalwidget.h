@@ -17,8 +17,10 @@ class Terminal;
 /// emulation for programs that paint the screen. Text can be selected and copied as in any text
 /// edit; all other keys belong to the program, and so does text from input methods. What is typed
 /// without Ctrl, Alt and Meta never triggers the host's shortcuts, and the tab keys do not move the
-/// focus unless tabChangesFocus is set: the keyboard leaves by shortcuts with such a modifier. The
-/// font is that which the widget inherits: findGoodFont() offers one of a fixed pitch.
+/// focus unless tabChangesFocus is set: the keyboard leaves by shortcuts with such a modifier. A
+/// child widget that a host lays over the text, to search for example, has its own keys; those
+/// that it leaves alone are not typed. The font is that which the widget inherits: findGoodFont()
+/// offers one of a fixed pitch.
 ///
 /// Much output is shown at once, but no more than can be done without a noticeable delay; the rest
 /// follows from the event loop, in order. The picture is renewed 60 times a second at most, and
