@@ -348,6 +348,19 @@ void TestTerminalWidget::oldBlocksAreRemovedAboveTheView()
         // Lines that are too old already take no time at all.
         QCOMPARE(view.shown(), QString::fromLatin1(numberedLines(98501, 99000)));
     }
+    // What ends a sequence, or a new line that began in the piece before, makes nothing too old.
+    for (const QByteArray sequence : {"\r\n", "\x1b\n", "\x1b\r", "\x1b[\n", "\x1b[\r"}) {
+        for (int length = 4092; length <= 4096; ++length) {
+            const QByteArray bytes = QByteArray(length, 'x') + sequence + "last";
+            View all, limited;
+            limited.setMaximumBlockCount(1);
+            for (View *const each : {&all, &limited}) {
+                each->push("old");
+                each->push(bytes);
+            }
+            QCOMPARE(limited.shown(), all.document()->lastBlock().text());
+        }
+    }
 }
 
 void TestTerminalWidget::outputPositionIsPainted()

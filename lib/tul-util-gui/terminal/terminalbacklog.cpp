@@ -8,6 +8,7 @@ namespace
 {
 
 constexpr int pieceSize = 4096;
+constexpr char escape = 27;
 
 /// Takes bytes that are not to be shown any more.
 class NoSink : public TerminalSink
@@ -18,12 +19,31 @@ public:
     void eraseToEndOfLine() override { }
 };
 
-/// How many new lines some bytes begin, whatever comes before and after them.
+/// Whether the byte at `at` may be the end of an escape sequence, or of a new line that the bytes
+/// before these have begun.
+bool mayBeSwallowed(const QByteArray &bytes, int at)
+{
+    if (at == 0 || bytes.at(at - 1) == escape)
+        return true;
+    return bytes.at(at - 1) == '[' && (at == 1 || bytes.at(at - 2) == escape);
+}
+
+/// How many new lines some bytes begin at least, whatever comes before and after them. What is
+/// skipped for so many that follow would have been removed by them.
 qint64 newLinesIn(const QByteArray &bytes)
 {
-    const auto lineFeeds = std::count(bytes.begin(), bytes.end(), '\n');
-    // Each may have its line feed behind it, the last one in the next piece.
-    const auto returns = std::count(bytes.begin(), bytes.end() - 1, '\r');
+    qint64 lineFeeds = 0;
+    qint64 returns = 0;
+    for (int at = 0; at < bytes.size(); ++at) {
+        const char byte = bytes.at(at);
+        if ((byte != '\n' && byte != '\r') || mayBeSwallowed(bytes, at))
+            continue;
+        if (byte == '\n')
+            ++lineFeeds;
+        else if (at + 1 < bytes.size()) // or its line feed is the first of the next bytes
+            ++returns;
+    }
+    // Each return may have its line feed behind it.
     return std::max(lineFeeds, returns);
 }
 
