@@ -155,6 +155,7 @@ class TestTerminalWidget : public TestCase
 private Q_SLOTS:
     void looksScrollsAndSelectsLikeATextEdit();
     void lineThatNeverEndsIsShownInColumns();
+    void lineThatIsNoLongerLongIsLaidOut();
     void erasingInAWideLineIsCountedAsWork();
     void messagesStandBetweenTheOutputs();
     void muchAtOnceIsShownBitByBitAndInOrder();
@@ -268,6 +269,23 @@ void TestTerminalWidget::lineThatNeverEndsIsShownInColumns()
 
     view.push(QByteArray(15, '\b') + "\x1b[K|"); // erasing stays within the line
     QCOMPARE(view.shown().right(16), "00000|000002999 "_s);
+}
+
+void TestTerminalWidget::lineThatIsNoLongerLongIsLaidOut()
+{
+    const QString odd = "e\u0301"_s.repeated(2100) + QString(4012, QLatin1Char('x'));
+    const QByteArray back(31, '\b');
+    for (const QByteArray &bytes : {back + "\x1b[K", back + "\n"}) {
+        View view;
+        PlainView plain(view);
+        Q_EMIT view.terminal.processStarted(odd);
+        plain.output.insertText(odd + QLatin1Char('\n'));
+        view.push(bytes);
+        plain.push(bytes);
+        view.setCursorWidth(0); // that of the output has no counterpart
+        plain.setCursorWidth(0);
+        QCOMPARE(difference(view, plain), QString());
+    }
 }
 
 void TestTerminalWidget::erasingInAWideLineIsCountedAsWork()

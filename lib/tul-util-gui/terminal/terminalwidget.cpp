@@ -122,6 +122,9 @@ public:
     void eraseToEndOfLine() override;
     bool isFull() const override { return m_cost >= m_budget; }
 
+    /// To be called before the text is changed at the output cursor.
+    void noteChange(bool isPlain = true);
+
 private:
     TerminalWidget *const m_widget;
     TerminalWidgetPrivate *const d;
@@ -196,7 +199,15 @@ void TerminalWidget::Output::eraseToEndOfLine()
     int shaped = 0;
     rest.setPosition(d->layout->lineEnd(rest.position(), &shaped), QTextCursor::KeepAnchor);
     m_cost += shapingCost * shaped;
+    noteChange();
     rest.removeSelectedText();
+}
+
+void TerminalWidget::Output::noteChange(bool isPlain)
+{
+    // The layout does not know the characters of a long block, which may become a short one.
+    if (!isPlain || TextGridLayout::isLong(d->outputCursor.block()))
+        d->isOutputPlain = false;
 }
 
 TerminalWidget::TerminalWidget(QWidget *parent)
@@ -402,8 +413,8 @@ void TerminalWidget::appendBytes(const char *bytes, int length)
 
 void TerminalWidget::appendString(const QString &text)
 {
-    const Output output(this);
-    d->isOutputPlain = d->isOutputPlain && isPlain(text);
+    Output output(this);
+    output.noteChange(isPlain(text));
     d->outputCursor.insertText(text);
 }
 

@@ -55,7 +55,8 @@ public:
     void setUpdatesHeld(bool held) { m_updatesHeld = held; }
 
     /// Whether the next change of the document, if it comes before this is taken back, inserts only
-    /// usual characters and new lines: it need not be searched for others then.
+    /// usual characters and new lines and makes no long block short: it need not be searched for
+    /// other characters then.
     void setNextChangePlain(bool plain) { m_isNextChangePlain = plain; }
 
     /// Gives back all text layouts; done before many changes, it spares each of them some work.
