@@ -88,7 +88,12 @@ void TestTerminalProcess::everyStartIsAnnouncedEvenIfItFails()
              QByteArray("<sh -c  \"exit 3\">exit3"));
     process.setArguments({"-c"_s, "echo x"_s});
     QCOMPARE(announced([&] { process.start(); }), QByteArray("<sh  -c \"echo x\">x\nexit0"));
-    QCOMPARE(announced([&] { process.open(); }), QByteArray("<sh  -c \"echo x\">x\nexit0"));
+    announceWarning("QProcess::start: Process is already running"_s);
+    QCOMPARE(announced([&] {
+                 // Once: while it runs there is nothing to open.
+                 QVERIFY(process.open() && !process.open());
+             }),
+             QByteArray("<sh  -c \"echo x\">x\nexit0"));
     QCOMPARE(session.run("echo go; read x; echo $x >&2; kill -9 $$", {{"go", "typed\n"}}),
              QByteArray("go\ntyped\ncrash9"));
 }

@@ -40,6 +40,8 @@ void TerminalProcess::start(QIODevice::OpenMode mode)
 
 bool TerminalProcess::open(OpenMode mode)
 {
+    if (state() != NotRunning)
+        return QProcess::open(mode);
     const QPointer<TerminalProcess> self(this);
     start(mode);
     return self && isOpen();

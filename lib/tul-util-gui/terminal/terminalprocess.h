@@ -45,7 +45,8 @@ public:
                QIODevice::OpenMode mode = QIODevice::ReadWrite);
     void start(QIODevice::OpenMode mode = QIODevice::ReadWrite);
 
-    /// Does the same as the start without arguments, and tells whether the device is open.
+    /// Does the same as the start without arguments, and tells whether the device is open. False,
+    /// with a warning and nothing announced, when the process runs already.
     bool open(OpenMode mode = ReadWrite) override;
 
     /// Announces the command as it stands and starts it, split at blanks outside of double quotes.
