@@ -16,6 +16,7 @@
 #include <QTest>
 
 #include <functional>
+#include <memory>
 
 namespace
 {
@@ -211,6 +212,30 @@ private Q_SLOTS:
         QVERIFY(!tool->isVisibleTo(&panel));
         delete tool;
         panel.setSummaryToolTip("tip"_s);
+    }
+
+    void toolsComeBackOnlyToABarThatShowsThem()
+    {
+        Panel panel;
+        auto *const first = new QDockWidget; // tells when it is shown
+        auto *const second = new QWidget;
+        panel.setToolWidget(first);
+        panel.setToolWidget(second);
+        QCoreApplication::processEvents(); // shows them
+        panel.act('N');
+        const auto withdraw = connect(first, &QDockWidget::visibilityChanged, &panel,
+                                      [&] { panel.setState(DetailsWidget::NoSummary); });
+        panel.act('C');
+        QVERIFY(!first->isVisibleTo(&panel) && !second->isVisibleTo(&panel));
+        disconnect(withdraw);
+        panel.act('C');
+        QVERIFY(first->isVisibleTo(&panel) && second->isVisibleTo(&panel));
+
+        panel.act('N');
+        second->setParent(nullptr); // by the host, which takes it back
+        const std::unique_ptr<QWidget> taken(second);
+        panel.act('C');
+        QVERIFY(first->isVisibleTo(&panel) && !taken->isVisible());
     }
 
     void docksAndScrollAreasFollowAtOnce()

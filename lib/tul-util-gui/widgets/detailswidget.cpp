@@ -20,7 +20,6 @@
 #include <QVector>
 
 #include <algorithm>
-#include <utility>
 
 namespace
 {
@@ -188,10 +187,11 @@ void DetailsWidgetPrivate::updateToolWidgets()
         withdrawToolWidgets();
         return;
     }
-    // Showing them may change the state again.
-    const auto returning = std::exchange(withdrawn, {});
-    for (const QPointer<QWidget> &tool : returning) {
-        if (tool)
+    // Showing one may change the state again, and so withdraw it and the next ones. One that the
+    // host has taken out meanwhile would come up as a window.
+    while (!withdrawn.isEmpty() && state != DetailsWidget::NoSummary) {
+        const QPointer<QWidget> tool = withdrawn.takeFirst();
+        if (tool && grid->indexOf(tool) != -1)
             tool->show();
     }
 }
