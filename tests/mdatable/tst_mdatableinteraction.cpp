@@ -12,6 +12,7 @@
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QSignalSpy>
+#include <QTabWidget>
 #include <QTest>
 #include <QTimer>
 
@@ -238,6 +239,23 @@ private Q_SLOTS:
             playAll(table, key + " > 0,0 (0,0)*"_s);
             QCOMPARE(QApplication::focusWidget(), other);
         }
+
+        QTabWidget pages;
+        for (const QString &name : {"a"_s, "b"_s})
+            pages.addTab(new RecordingTable(3, 2), name);
+        pages.show();
+        pages.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&pages));
+        for (const int page : {1, 0, 1}) { // one page on each time
+            pages.currentWidget()->setFocus();
+            QTest::keyClick(pages.windowHandle(), Qt::Key_Tab, Qt::ControlModifier);
+            QCOMPARE(pages.currentIndex(), page);
+        }
+        pages.currentWidget()->setFocus();
+        connect(&pages, &QTabWidget::currentChanged, [&] { delete pages.widget(1); });
+        QTest::keyClick(pages.windowHandle(), Qt::Key_Backtab,
+                        Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(pages.count(), 1);
     }
 
     void stepsLeadToBlocks_data()

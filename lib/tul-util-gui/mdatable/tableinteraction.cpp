@@ -6,6 +6,7 @@
 #include <tul-util-gui/mdatable/saturated_p.h>
 
 #include <QContextMenuEvent>
+#include <QCoreApplication>
 #include <QCursor>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -65,9 +66,24 @@ bool TableInteraction::filterKey(QKeyEvent *event)
     if (event->key() != Qt::Key_Tab && !isBacktab)
         return false;
     const bool isBack = isBacktab || event->modifiers() & Qt::ShiftModifier;
-    if (!(event->modifiers() & Qt::ControlModifier) || !q->focusNextPrevChild(!isBack))
+    if (!(event->modifiers() & Qt::ControlModifier) || !leaveByKey(event, !isBack))
         q->keyPressEvent(event);
     return true;
+}
+
+/// Leaves the key to the widgets around the table, which may turn their pages with it, or else
+/// moves the focus on. False when there is nowhere to go.
+bool TableInteraction::leaveByKey(QKeyEvent *event, bool next)
+{
+    if (!q->isWindow()) {
+        const QPointer<MDATable> table(q);
+        event->ignore();
+        QCoreApplication::sendEvent(q->parentWidget(), event);
+        if (!table || event->isAccepted())
+            return true;
+    }
+    event->accept(); // it does not go to them again
+    return q->focusNextPrevChild(next);
 }
 
 void TableInteraction::keyPress(QKeyEvent *event)

@@ -51,6 +51,7 @@ private:
 
     void tab();
     void backtab();
+    bool leaveByKey(QKeyEvent *event, bool next);
     void moveByKey(int key, bool extend);
     Cell keyTarget(int key) const;
     long long pageTarget(int direction) const;
