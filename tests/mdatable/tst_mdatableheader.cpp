@@ -109,6 +109,17 @@ public:
     }
 };
 
+struct WheelPlaces : QObject {
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Wheel)
+            log += static_cast<QWheelEvent *>(event)->position();
+        return false;
+    }
+
+    QVector<QPointF> log;
+};
+
 class TestMDATableHeader : public TestCase
 {
     Q_OBJECT
@@ -260,8 +271,12 @@ private Q_SLOTS:
         const QPoint pos(5, 50);
         QWheelEvent wheel(pos, fixture.header->mapToGlobal(pos), QPoint(), QPoint(0, -120),
                           Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        WheelPlaces places;
+        fixture.table.viewport()->installEventFilter(&places);
         QApplication::sendEvent(fixture.header, &wheel);
-        QVERIFY(fixture.header->offset() > 0);
+        QVERIFY(fixture.header->offset() > 0 && wheel.isAccepted());
+        // To the left of the cells.
+        QCOMPARE(places.log, (QVector<QPointF>{{5.0 - fixture.header->width(), 50}}));
     }
 };
 

@@ -220,10 +220,19 @@ void MDATableHeader::mouseReleaseEvent(QMouseEvent *event)
         Q_EMIT clicked(section);
 }
 
-/// Scrolls the cells, as over them.
+/// Scrolls the cells, as over them. Hosts that filter the viewport's events find the pointer where
+/// it is.
 void MDATableHeader::wheelEvent(QWheelEvent *event)
 {
-    QCoreApplication::sendEvent(m_table->viewport(), event);
+    QWidget *const viewport = m_table->viewport();
+    const QPointF place
+        = event->position() + mapTo(m_table, QPoint()) - viewport->mapTo(m_table, QPoint());
+    QWheelEvent overCells(place, event->globalPosition(), event->pixelDelta(), event->angleDelta(),
+                          event->buttons(), event->modifiers(), event->phase(), event->inverted(),
+                          event->source());
+    overCells.setTimestamp(event->timestamp());
+    QCoreApplication::sendEvent(viewport, &overCells);
+    event->setAccepted(overCells.isAccepted());
 }
 
 /// A rectangle from its extent along the header, clipped to what the style may be given, and across
