@@ -92,6 +92,16 @@ private Q_SLOTS:
         QCOMPARE(QSize(table.columnWidth(), table.rowHeight()), strut);
     }
 
+    void sizeHintHoldsSmallTablesAndIsUsualForLargeOnes()
+    {
+        MDATable table(20, 24); // cells of 20 x 20
+        table.setTopMargin(7);
+        table.setLeftMargin(11);
+        QCOMPARE(table.sizeHint(), QSize(11 + 480 + 5, 7 + 400 + 5));
+        table.setNumCols(25);
+        QCOMPARE(table.sizeHint(), QScrollArea().sizeHint() + QSize(11, 7));
+    }
+
     void scrollBarsCoverWhatDoesNotFit()
     {
         RecordingTable table(70, 20);

@@ -278,6 +278,32 @@ private Q_SLOTS:
         // To the left of the cells.
         QCOMPARE(places.log, (QVector<QPointF>{{5.0 - fixture.header->width(), 50}}));
     }
+
+    void leftButtonPressesAndClicksSections()
+    {
+        for (const bool horizontal : {false, true}) {
+            const Fixture fixture(horizontal, 1000, {{0, 9}});
+            fixture.header->setOffset(50); // section 3 begins at 10
+            QStringList log;
+            const auto note = [&](auto signal, const QString &name) {
+                connect(fixture.header, signal, &fixture.table,
+                        [=, &log](long long section) { log += name.arg(section); });
+            };
+            note(&MDATableHeader::pressed, "pressed %1"_s);
+            note(&MDATableHeader::released, "released %1"_s);
+            note(&MDATableHeader::clicked, "clicked %1"_s);
+            const QPoint third = horizontal ? QPoint(15, 2) : QPoint(2, 15);
+            const QPoint fourth = horizontal ? QPoint(35, 2) : QPoint(2, 35);
+            QTest::mouseClick(fixture.header, Qt::RightButton, {}, third);
+            QTest::mouseClick(fixture.header, Qt::LeftButton, {}, third);
+            QTest::mousePress(fixture.header, Qt::LeftButton, {}, third);
+            QTest::mouseRelease(fixture.header, Qt::LeftButton, {}, fourth);
+            QTest::mousePress(fixture.header, Qt::LeftButton, {}, third);
+            QTest::mouseRelease(fixture.header, Qt::LeftButton, {}, QPoint(-5, -5));
+            QCOMPARE(log.join(QLatin1Char('|')),
+                     "pressed 3|released 3|clicked 3|pressed 3|released 4|pressed 3"_s);
+        }
+    }
 };
 
 QTEST_MAIN(TestMDATableHeader)
