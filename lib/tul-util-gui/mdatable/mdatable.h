@@ -338,6 +338,10 @@ protected:
 
     /// Draws all cells that meet `clip` (viewport coordinates), the focus frame and the area
     /// outside the table.
+    ///
+    /// Scrolling moves what is painted over the cells and paints only what comes into view. An
+    /// override, of paintEvent() or a function below, that draws over the cells at a fixed place of
+    /// the viewport needs a viewport()->update() at each valueChanged() of the scroll bars.
     void drawContents(QPainter *painter, const QRect &clip);
 
     /// Draws one cell: chooses the colour group and calls the overload that takes it. The painter's
