@@ -14,7 +14,7 @@ constexpr char escape = 27;
 class NoSink : public TerminalSink
 {
 public:
-    void plainBytes(const char *, int) override { }
+    void plainBytes(const char * /*bytes*/, int /*size*/) override { }
     void moveLeft() override { }
     void eraseToEndOfLine() override { }
 };

@@ -339,7 +339,7 @@ void TerminalWidget::clear()
     QTextEdit::clear();
 }
 
-void TerminalWidget::windowSizeChanged(int columns, int)
+void TerminalWidget::windowSizeChanged(int columns, int /*rows*/)
 {
     setLineWrapColumnOrWidth(columns);
     updateGeometry();

@@ -151,7 +151,7 @@ QSizeF TextGridLayout::documentSize() const
             blockTop(last.blockNumber()) + blockHeight(last) + margin()};
 }
 
-QRectF TextGridLayout::frameBoundingRect(QTextFrame *) const
+QRectF TextGridLayout::frameBoundingRect(QTextFrame * /*frame*/) const
 {
     return {QPointF(), documentSize()};
 }
