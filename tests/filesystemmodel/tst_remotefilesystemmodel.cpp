@@ -142,6 +142,7 @@ private Q_SLOTS:
     void persistentIndexesFollowTheirFiles();
     void changesAreAnnouncedInRuns();
     void aDirectoryOfTheSameNameIsListedAnew();
+    void aDirectoryListedAnewMissesNothingAndIsTheOnlyOne();
     void permissionsAskedForMustBeThere();
     void manyScatteredRowsVanishTogether();
     void hugeBatchesArriveInSlicesBeforeTheEnd();
@@ -515,6 +516,26 @@ void tst_RemoteFileSystemModel::aDirectoryOfTheSameNameIsListedAnew()
         f.make("d/later"_s); // the new one is watched
         QTRY_COMPARE(f.rows(f.index("d")), "first later"_s);
     }
+}
+
+void tst_RemoteFileSystemModel::aDirectoryListedAnewMissesNothingAndIsTheOnlyOne()
+{
+    QSemaphore listed;
+    Shown f("d/s/x");
+    QTRY_COMPARE(f.rows(f.index("d/s")), "x"_s);
+    const QString directory = f.path("d"_s);
+    const auto note = [&listed, directory](const QString &path) {
+        if (path == directory)
+            listed.release();
+    };
+    connect(&f.gatherer(), &RemoteFileInfoGatherer::directoryLoaded, &f.gatherer(), note,
+            Qt::DirectConnection);
+    f.gatherer().requests.clear();
+    Q_EMIT f.gatherer().updates(f.base, {{"d"_s, QFileInfo(QDir::rootPath())}}); // another date
+    QVERIFY(listed.tryAcquire(1, 5000));
+    f.make("d/late"_s); // before the event loop has run
+    QTRY_COMPARE(f.rows(f.index("d")), "s late"_s);
+    QVERIFY(!f.gatherer().requests.contains(f.path("d/s|"_s)));
 }
 
 void tst_RemoteFileSystemModel::permissionsAskedForMustBeThere()

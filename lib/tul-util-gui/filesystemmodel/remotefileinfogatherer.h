@@ -63,10 +63,11 @@ public:
     virtual void removePath(const QString &path);
 
     /// Watches a directory or file. Called on the gatherer's thread, before it lists a directory
-    /// that is not watched yet; may be called on any thread. What a handler serves, and what is
-    /// missing or unreadable, is passed over in silence and comes here again at its next listing.
-    /// The toolkit warns when the system refuses for another reason, as when it has no more watches
-    /// to give.
+    /// that is not watched yet, and by the model on the owner's thread for a directory of this
+    /// machine that may have been replaced; may be called on any thread. What a handler serves, and
+    /// what is missing or unreadable, is passed over in silence and comes here again at its next
+    /// listing. The toolkit warns when the system refuses for another reason, as when it has no
+    /// more watches to give.
     virtual void addPath(const QString &path);
 
     /// How a file is shown, by the icon provider. Without a provider the record has no type text

@@ -209,12 +209,13 @@ void RemoteFileSystemModelPrivate::listPath(const QString &path)
 
 void RemoteFileSystemModelPrivate::listAnew(FileNode *node)
 {
-    if (node->populatedChildren) {
-        gatherer->removePath(requestPath(node));
-        list(node);
-    }
-    for (FileNode *const child : FileTree::children(node))
-        listAnew(child);
+    const QString path = requestPath(node);
+    gatherer->removePath(path);
+    // Watched from here: the gatherer's thread has to ask this one for it, and would list before.
+    // Files made in between would never show. As there, names of machines are not watched.
+    if (node->info.isNativePath() && !path.startsWith(QLatin1String("//")))
+        gatherer->addPath(path);
+    list(node);
 }
 
 bool RemoteFileSystemModelPrivate::showNodes(FileNode *parent, const Nodes &nodes)

@@ -58,8 +58,9 @@ public:
     /// Lists a directory again, if it is in the tree and was listed before.
     void listPath(const QString &path);
 
-    /// Lists a directory again that may be another one of the same name now, and all below it that
-    /// were listed before.
+    /// Lists a directory again that may be another one of the same name now, and is watched under
+    /// that name no more. What was listed below it comes here in turn, when the listing shows it
+    /// changed; only one of the same name and date escapes, and misses its watch.
     void listAnew(FileNode *node);
 
     /// Stops watching a directory and all below it. Of one that was moved away the watch would
