@@ -245,8 +245,10 @@ void TestRemoteSidebar::goesToAPlaceOnceAndOnlyWhenAsked()
     QTest::keyClick(&bar, Qt::Key_Down);
     QCOMPARE(bar.went.count(), 3);
     QCOMPARE(bar.went.last().first().toUrl(), urlsOf("gone").first());
+    const QSignalSpy activated(&bar, &QAbstractItemView::activated);
     QTest::keyClick(&bar, Qt::Key_Return);
     QCOMPARE(bar.went.count(), 4);
+    QCOMPARE(activated.count(), 1);
     bar.selectUrl(QUrl()); // as a dialog names the drives
     QCOMPARE(bar.currentIndex(), bar.place(0));
     bar.selectUrl(QUrl::fromLocalFile("remote:/a//"_s));

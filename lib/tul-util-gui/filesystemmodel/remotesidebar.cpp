@@ -61,7 +61,7 @@ void RemoteSidebar::addUrls(const QList<QUrl> &urls, int row)
 
 void RemoteSidebar::selectUrl(const QUrl &url)
 {
-    if (!selectionModel())
+    if (!m_urlModel || !selectionModel() || model() != m_urlModel) // maybe the host's own
         return;
     const QScopedValueRollback<bool> quiet(m_quiet, true);
     const QModelIndex place = m_urlModel->index(m_urlModel->rowOf(url), 0); // invalid for -1
@@ -112,10 +112,16 @@ void RemoteSidebar::focusInEvent(QFocusEvent *event)
 void RemoteSidebar::keyPressEvent(QKeyEvent *event)
 {
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isEnter && currentIndex().isValid())
-        clicked(currentIndex()); // the event ends here: in a dialog it would press a button as well
-    else
+    if (!isEnter || !currentIndex().isValid()) {
         QListView::keyPressEvent(event);
+        return;
+    }
+    const QPersistentModelIndex place = currentIndex();
+    const QPointer<RemoteSidebar> guard(this);
+    QListView::keyPressEvent(event); // activates the place, for whoever listens
+    event->accept(); // in a dialog it would press a button as well
+    if (guard)
+        clicked(place);
 }
 
 void RemoteSidebar::mousePressEvent(QMouseEvent *event)
