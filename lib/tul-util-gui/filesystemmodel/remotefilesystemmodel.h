@@ -134,6 +134,10 @@ public:
 
     /// Wildcards of which a name must match one as a whole; all names pass an empty list, and all
     /// directories pass with QDir::AllDirs. Letters count by case with QDir::CaseSensitive only.
+    ///
+    /// The setter also ends what is shown only because its path was asked for, or because mkdir()
+    /// made it: the filters decide on it again, except for the root and for directories to which
+    /// somebody holds a persistent index.
     void setNameFilters(const QStringList &filters);
     QStringList nameFilters() const;
 
