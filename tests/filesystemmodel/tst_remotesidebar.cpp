@@ -272,9 +272,10 @@ void TestRemoteSidebar::placesAreRemovedButNotTheDrives()
     QCOMPARE(bar.urls(), urlsOf("file:"));
     QCOMPARE(bar.went.count(), 0); // the neighbour became current, but nobody went there
 
-    auto *const doomed = new SideBar;
+    const QPointer<SideBar> doomed = new SideBar;
     QTimer::singleShot(0, doomed, [doomed] { delete doomed; });
     Q_EMIT doomed->customContextMenuRequested(doomed->at(1));
+    QVERIFY(!doomed);
 }
 
 QTEST_MAIN(TestRemoteSidebar)
