@@ -12,10 +12,13 @@
 #include <QDragEnterEvent>
 #include <QMenu>
 #include <QMimeData>
+#include <QPointer>
 #include <QSignalSpy>
+#include <QStringListModel>
 #include <QTest>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 
 namespace
@@ -198,21 +201,32 @@ void TestRemoteSidebar::placesFollowTheFileSystem()
     QVERIFY(bar.files.setData(bar.files.index("remote:/b2"_s), "b"_s));
     QTRY_VERIFY(bar.exists(0));
 
-    // What happens elsewhere costs no look at the disk for a missing place; a filter hides none.
+    // What the filters hide is missing. None of this looks at the disk, nor does a change of the
+    // directory above a missing place.
+    const QDir::Filters all = bar.files.filter();
+    const QSignalSpy changed(&bar.files, &QAbstractItemModel::dataChanged);
     bar.far.forgetCalls();
-    bar.files.sort(1, Qt::DescendingOrder);
+    QVERIFY(QFile::setPermissions(bar.far.local("old"_s), QFileDevice::Permissions(0x7700)));
+    bar.files.refresh(bar.files.index("remote:"_s));
+    QTRY_VERIFY(!changed.isEmpty());
     bar.files.setFilter(QDir::Files);
-    QTRY_VERIFY(!bar.files.index("remote:/c"_s).isValid());
-    QCoreApplication::processEvents();
+    QTRY_VERIFY(!bar.exists(0));
+    QVERIFY(!bar.files.index("remote:/b"_s).isValid());
+    bar.files.sort(1, Qt::DescendingOrder);
+    bar.files.setFilter(all);
+    QTRY_VERIFY(bar.exists(0));
+    QVERIFY(!bar.exists(1));
     QCOMPARE(bar.far.calls(true), 0);
-    QVERIFY(bar.exists(0));
-    QVERIFY(bar.files.index("remote:/b"_s).isValid());
 }
 
 void TestRemoteSidebar::placesOutliveTheFileSystemModel()
 {
     RemoteSidebar bar;
     QVERIFY(bar.urls().isEmpty() && bar.sizeHint() == bar.QAbstractScrollArea::sizeHint());
+    QStringListModel foreign({"row"_s});
+    bar.setModel(&foreign);
+    bar.selectUrl(QUrl());
+    QVERIFY(!bar.currentIndex().isValid());
     {
         RemoteFileSystemModel files;
         bar.setFileSystemModel(&files);
@@ -225,6 +239,21 @@ void TestRemoteSidebar::placesOutliveTheFileSystemModel()
     bar.setUrls({}); // changes nothing
     QVERIFY(bar.urlModel()->removeRows(0, 2));
     QCOMPARE(bar.sizeHint(), frame);
+
+    const FaultyFolder far;
+    QMimeData data;
+    data.setUrls(urlsOf("b a"));
+    QDragEnterEvent event({}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    const std::function<void()> lookUps[]{[&] { bar.addUrls(data.urls()); },
+                                          [&] { bar.urlModel()->canDrop(&event); }};
+    QVERIFY(far.make("a/"_s) && far.make("b/"_s));
+    for (const auto &lookUp : lookUps) {
+        auto *const doomed = new RemoteFileSystemModel;
+        bar.setFileSystemModel(doomed);
+        connect(doomed, &QAbstractItemModel::rowsInserted, doomed, [doomed] { delete doomed; });
+        lookUp();
+        QVERIFY(!bar.urlModel()->fileSystemModel() && bar.urls().isEmpty());
+    }
 }
 
 void TestRemoteSidebar::goesToAPlaceOnceAndOnlyWhenAsked()

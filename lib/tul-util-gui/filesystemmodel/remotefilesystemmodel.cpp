@@ -66,7 +66,7 @@ QModelIndex RemoteFileSystemModel::setRootPath(const QString &newPath)
     const QPointer<RemoteFileSystemModel> guard(this);
     const QString path = tul::cleanPath(newPath);
     const QString oldPath = rootPath();
-    const auto currentRoot = [this] { return indexOf(rootPath(), true); };
+    const auto currentRoot = [this] { return d->indexOf(rootPath(), true); };
     d->hasRootPath = true;
     const bool showsDrives = path.isEmpty() || path == myComputer().toString();
     // QDir::exists() would make the engine ask anew what the caller has mostly just asked.
@@ -80,7 +80,7 @@ QModelIndex RemoteFileSystemModel::setRootPath(const QString &newPath)
             old->populatedChildren = false; // listed again, and watched, when it comes back
     }
     d->rootDir.setPath(showsDrives ? QString() : path);
-    const QPersistentModelIndex rootIndex = showsDrives ? QModelIndex() : indexOf(path, true);
+    const QPersistentModelIndex rootIndex = showsDrives ? QModelIndex() : d->indexOf(path, true);
     if (!guard)
         return {};
     if (showsDrives || rootIndex.isValid())
@@ -113,14 +113,7 @@ void RemoteFileSystemModel::refresh(const QModelIndex &directory)
 
 QModelIndex RemoteFileSystemModel::index(const QString &path, int column) const
 {
-    return indexOf(path, false, column);
-}
-
-/// Shows also what is known and hidden by the filters, if `fetch` is set.
-QModelIndex RemoteFileSystemModel::indexOf(const QString &path, bool fetch, int column) const
-{
-    const FileNode *const node = d->node(path, fetch);
-    return node ? d->index(node, column) : QModelIndex(); // without a node, no model is left
+    return d->indexOf(path, false, column);
 }
 
 QModelIndex RemoteFileSystemModel::index(int row, int column, const QModelIndex &parent) const

@@ -212,9 +212,6 @@ private Q_SLOTS:
 
 private:
     friend class RemoteFileSystemModelPrivate;
-    friend class RemoteUrlModel; // shows its places also where the filters hide them
-
-    QModelIndex indexOf(const QString &path, bool fetch, int column = 0) const;
 
     const std::unique_ptr<RemoteFileSystemModelPrivate> d;
 };

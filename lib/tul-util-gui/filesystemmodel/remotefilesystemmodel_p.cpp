@@ -122,6 +122,12 @@ QModelIndex RemoteFileSystemModelPrivate::index(const FileNode *node, int column
     return q->createIndex(node->row, column, const_cast<FileNode *>(node));
 }
 
+QModelIndex RemoteFileSystemModelPrivate::indexOf(const QString &path, bool fetch, int column)
+{
+    const FileNode *const found = node(path, fetch);
+    return found ? index(found, column) : QModelIndex();
+}
+
 QString RemoteFileSystemModelPrivate::filePath(const FileNode *node)
 {
     return QDir::fromNativeSeparators(FileTree::path(node));

@@ -39,6 +39,9 @@ public:
     /// Invalid for the root and for what has no row.
     QModelIndex index(const FileNode *node, int column = 0) const;
 
+    /// The index of the node of a path, as node() gives it; invalid when there is no model left.
+    QModelIndex indexOf(const QString &path, bool fetch, int column = 0);
+
     static QString filePath(const FileNode *node);
     QString resolvedPath(const FileNode *node) const;
     static QString requestPath(const FileNode *node);

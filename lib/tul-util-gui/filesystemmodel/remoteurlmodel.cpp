@@ -38,6 +38,18 @@ bool isFileUrl(const QUrl &url)
     return url.scheme() == QLatin1String("file");
 }
 
+/// The row of this name among some in a directory; invalid when there is none.
+QModelIndex findRow(const RemoteFileSystemModel &model, const QModelIndex &directory,
+                    const QString &name, int first, int last)
+{
+    for (int row = first; row <= last; ++row) {
+        const QModelIndex index = model.index(row, 0, directory);
+        if (isSamePath(model.fileName(index), name))
+            return index;
+    }
+    return {};
+}
+
 QIcon atLeastSmallest(QIcon icon)
 {
     // A null icon has no pixmap to scale.
@@ -76,7 +88,19 @@ void RemoteUrlModel::setFileSystemModel(RemoteFileSystemModel *model)
         return;
     connect(model, &QAbstractItemModel::dataChanged, this, &RemoteUrlModel::dataChanged);
     connect(model, &QAbstractItemModel::layoutChanged, this, &RemoteUrlModel::layoutChanged);
+    // Filtering announces itself as a change of the layout that is no sorting.
+    connect(model, &QAbstractItemModel::layoutAboutToBeChanged, this,
+            [this](const QList<QPersistentModelIndex> &, LayoutChangeHint hint) {
+                if (hint == NoLayoutChangeHint)
+                    filteringBegins();
+            });
+    connect(model, &QAbstractItemModel::layoutChanged, this,
+            [this](const QList<QPersistentModelIndex> &, LayoutChangeHint hint) {
+                if (hint == NoLayoutChangeHint)
+                    filteringEnds();
+            });
     connect(model, &QAbstractItemModel::rowsInserted, this, &RemoteUrlModel::directoriesInserted);
+    connect(model, &RemoteFileSystemModel::fileRenamed, this, &RemoteUrlModel::directoryRenamed);
     connect(model, &QAbstractItemModel::rowsRemoved, this, &RemoteUrlModel::directoriesRemoved);
     connect(model, &QAbstractItemModel::modelReset, this, &RemoteUrlModel::layoutChanged);
     refresh();
@@ -118,12 +142,15 @@ void RemoteUrlModel::addUrls(const QList<QUrl> &urls, int row, bool move)
         const int old = rowOf(url);
         if (old >= 0 && !move)
             continue;
+        const QPersistentModelIndex directory = directoryOf(pathOf(url));
+        if (!m_fileSystemModel) // deleted by a receiver
+            return;
         if (old >= 0) {
             removeRow(old);
             target -= old < target;
         }
         insertRow(target, new QStandardItem);
-        setUrl(index(target, 0), url, directoryOf(url));
+        setUrl(index(target, 0), url, directory);
     }
 }
 
@@ -178,9 +205,10 @@ void RemoteUrlModel::show(const QModelIndex &place, const QString &text, const Q
         setData(place, icon, Qt::DecorationRole);
 }
 
-QModelIndex RemoteUrlModel::directoryOf(const QUrl &url) const
+/// Looking up shows rows, whose receivers may delete the file system model.
+QModelIndex RemoteUrlModel::directoryOf(const QString &path) const
 {
-    return m_fileSystemModel->indexOf(pathOf(url), true);
+    return m_fileSystemModel ? m_fileSystemModel->index(path) : QModelIndex();
 }
 
 int RemoteUrlModel::rowOf(const QUrl &url) const
@@ -201,7 +229,7 @@ void RemoteUrlModel::refresh()
         return;
     for (int row = 0; row < rowCount(); ++row) {
         const QUrl url = index(row, 0).data(UrlRole).toUrl();
-        setUrl(index(row, 0), url, directoryOf(url));
+        setUrl(index(row, 0), url, directoryOf(pathOf(url)));
     }
 }
 
@@ -217,7 +245,6 @@ void RemoteUrlModel::dataChanged(const QModelIndex &topLeft, const QModelIndex &
             setUrl(place.index, place.index.data(UrlRole).toUrl(), directory);
     }
     directoriesRemoved(); // one that was renamed
-    directoriesInserted(parent, topLeft.row(), bottomRight.row());
 }
 
 void RemoteUrlModel::layoutChanged()
@@ -225,21 +252,61 @@ void RemoteUrlModel::layoutChanged()
     m_followTimer.start();
 }
 
-/// Takes a missing place for one that may be there when the next element of its path has come.
+/// The elements of a place's path, from the first, that have rows.
+int RemoteUrlModel::shownElements(const Place &place) const
+{
+    int count = 0;
+    QModelIndex directory;
+    const QStringList elements = tul::splitPath(place.path);
+    for (const QString &element : elements) {
+        const int last = m_fileSystemModel->rowCount(directory) - 1;
+        directory = findRow(*m_fileSystemModel, directory, element, 0, last);
+        if (!directory.isValid())
+            break;
+        ++count;
+    }
+    return count;
+}
+
+void RemoteUrlModel::filteringBegins()
+{
+    for (Place &place : m_places)
+        place.shown = place.wasFound ? 0 : shownElements(place);
+}
+
+/// Takes a missing place for one that may be there when the filters show more of its path.
+void RemoteUrlModel::filteringEnds()
+{
+    for (Place &place : m_places)
+        place.mayHaveCome
+            = place.mayHaveCome || (!place.wasFound && shownElements(place) > place.shown);
+}
+
 void RemoteUrlModel::directoriesInserted(const QModelIndex &parent, int first, int last)
 {
-    const QStringList above = tul::splitPath(tul::cleanPath(m_fileSystemModel->filePath(parent)));
+    expect(m_fileSystemModel->filePath(parent), [&](const QString &name) {
+        return findRow(*m_fileSystemModel, parent, name, first, last).isValid();
+    });
+}
+
+void RemoteUrlModel::directoryRenamed(const QString &path, const QString & /*oldName*/,
+                                      const QString &newName)
+{
+    expect(path, [&](const QString &name) { return isSamePath(newName, name); });
+}
+
+/// Takes a missing place for one that may be there when the next element of its path has come.
+void RemoteUrlModel::expect(const QString &directory,
+                            const std::function<bool(const QString &)> &hasCome)
+{
+    const QStringList above = tul::splitPath(tul::cleanPath(directory));
     for (Place &place : m_places) {
         const QStringList elements = tul::splitPath(place.path);
         if (place.wasFound || elements.size() <= above.size()
             || !isSamePath(tul::joinElements(elements.mid(0, above.size())),
                            tul::joinElements(above)))
             continue;
-        for (int row = first; row <= last && !place.mayHaveCome; ++row) {
-            const QModelIndex come = m_fileSystemModel->index(row, 0, parent);
-            place.mayHaveCome
-                = isSamePath(m_fileSystemModel->fileName(come), elements.at(above.size()));
-        }
+        place.mayHaveCome = place.mayHaveCome || hasCome(elements.at(above.size()));
         if (place.mayHaveCome)
             m_followTimer.start();
     }
@@ -274,7 +341,7 @@ void RemoteUrlModel::follow()
         if (known == places.cend())
             setUrl(place, url, {}); // the drives
         else if (known->mayHaveCome || isLost(*known))
-            setUrl(place, url, directoryOf(url));
+            setUrl(place, url, directoryOf(pathOf(url)));
         else
             setUrl(place, url, known->directory);
     }
@@ -287,11 +354,11 @@ bool RemoteUrlModel::canDrop(const QDragEnterEvent *event) const
     const QList<QUrl> urls = event->mimeData()->urls();
     return std::all_of(urls.cbegin(), urls.cend(), [this](const QUrl &url) {
         const QString path = isFileUrl(url) ? pathOf(url) : QString();
-        const QModelIndex known = m_fileSystemModel->index(path);
+        const QModelIndex known = directoryOf(path);
         // To the model, what it does not have is the directory of the drives; the filters may hide
         // a file from it.
         const QFileInfo info(path);
-        return m_fileSystemModel->isDir(known)
+        return m_fileSystemModel && m_fileSystemModel->isDir(known)
             && (known.isValid() || info.isDir() || !info.exists());
     });
 }

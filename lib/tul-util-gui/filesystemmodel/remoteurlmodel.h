@@ -10,16 +10,18 @@
 #include <QUrl>
 #include <QVector>
 
+#include <functional>
+
 class QDragEnterEvent;
 class RemoteFileSystemModel;
 
 /// The places of a side bar, one row each: directories, here or on a remote machine, and the level
 /// of the drives ("My Computer"), whose URL has an empty path.
 ///
-/// Names, icons and whether a place exists come from a RemoteFileSystemModel, which shows the
-/// places also where its filters would hide them. The rows follow what happens there: a place that
-/// goes away is marked and keeps its row, one that comes back is a place again. Without a file
-/// system model, nothing can be added or set.
+/// Names, icons and whether a place exists come from a RemoteFileSystemModel, as its index() finds
+/// the path: what its filters have hidden is missing. The rows follow what happens there: a place
+/// that goes away is marked and keeps its row, one that comes back is a place again. Without a
+/// file system model, nothing can be added or set.
 ///
 /// A place stands in the list only once, whatever slashes its path is written with.
 ///
@@ -27,8 +29,8 @@ class RemoteFileSystemModel;
 /// as they were.
 ///
 /// *Threads*: the GUI thread. A place is looked up on its disk when it is added and at refresh(),
-/// and once more each time that the file system model loses it, or gets the next directory on the
-/// way to a missing one.
+/// and once more each time that the file system model loses it, or gets or shows the next directory
+/// on the way to a missing one. What the model knows already costs no look at the disk.
 ///
 /// *By design*: a place that does not exist can still be selected. The URLs of remote places have
 /// the scheme "file", as QUrl::fromLocalFile() makes them of prefixed paths; others are not added.
@@ -39,7 +41,7 @@ class TUL_UTIL_GUI_EXPORT RemoteUrlModel : public QStandardItemModel
 public:
     enum Roles {
         UrlRole = Qt::UserRole + 1, ///< the QUrl of the place
-        EnabledRole = Qt::UserRole + 2 ///< whether its directory exists; unset for the drives
+        EnabledRole = Qt::UserRole + 2 ///< whether its directory was found; unset for the drives
     };
     Q_ENUM(Roles)
 
@@ -101,11 +103,17 @@ private:
         QString path;
         bool wasFound;
         bool mayHaveCome; // though it was missing
+        int shown = 0; // elements of the path that had rows before other rows were shown
     };
 
-    QModelIndex directoryOf(const QUrl &url) const;
+    QModelIndex directoryOf(const QString &path) const;
+    int shownElements(const Place &place) const;
     bool isLost(const Place &place) const;
+    void filteringBegins();
+    void filteringEnds();
     void directoriesInserted(const QModelIndex &parent, int first, int last);
+    void directoryRenamed(const QString &path, const QString &oldName, const QString &newName);
+    void expect(const QString &directory, const std::function<bool(const QString &)> &hasCome);
     void directoriesRemoved();
     void follow();
     void forget(const QModelIndex &index);
