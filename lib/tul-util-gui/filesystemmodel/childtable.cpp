@@ -4,7 +4,15 @@
 
 #include <QHash>
 
+#include <algorithm>
 #include <utility>
+
+namespace
+{
+
+const std::size_t leastBuckets = 8;
+
+} // namespace
 
 ChildTable::Iterator::Iterator(const ChildTable &table, std::size_t bucket)
     : m_table(table)
@@ -48,10 +56,29 @@ FileNode *ChildTable::findExact(const QString &name) const
     return node;
 }
 
+void ChildTable::reserve(int count)
+{
+    std::size_t buckets = std::max(m_buckets.size(), leastBuckets);
+    while (buckets < static_cast<std::size_t>(count))
+        buckets *= 2;
+    if (buckets == m_buckets.size())
+        return;
+    const std::vector<FileNode *> nodes = [this] {
+        std::vector<FileNode *> all;
+        for (FileNode *const node : *this)
+            all.push_back(node);
+        return all;
+    }();
+    m_buckets.assign(buckets, nullptr);
+    for (FileNode *const node : nodes) {
+        FileNode *&first = m_buckets[bucketOf(node->fileName)];
+        node->nextInTable = std::exchange(first, node);
+    }
+}
+
 void ChildTable::insert(FileNode *node)
 {
-    if (static_cast<std::size_t>(m_size) >= m_buckets.size())
-        grow();
+    reserve(m_size + 1);
     ++m_size;
     FileNode *&first = m_buckets[bucketOf(node->fileName)];
     node->nextInTable = std::exchange(first, node);
@@ -70,19 +97,4 @@ std::size_t ChildTable::bucketOf(const QString &name) const
 {
     const bool isExact = m_sensitivity == Qt::CaseSensitive;
     return qHash(isExact ? name : name.toLower()) & (m_buckets.size() - 1);
-}
-
-void ChildTable::grow()
-{
-    const std::vector<FileNode *> nodes = [this] {
-        std::vector<FileNode *> all;
-        for (FileNode *const node : *this)
-            all.push_back(node);
-        return all;
-    }();
-    m_buckets.assign(m_buckets.empty() ? 8 : m_buckets.size() * 2, nullptr);
-    for (FileNode *const node : nodes) {
-        FileNode *&first = m_buckets[bucketOf(node->fileName)];
-        node->nextInTable = std::exchange(first, node);
-    }
 }

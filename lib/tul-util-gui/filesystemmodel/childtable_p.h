@@ -43,6 +43,10 @@ public:
     /// The child of exactly this name, or null.
     FileNode *findExact(const QString &name) const;
 
+    /// Makes room for this many children in all at once: growing step by step sorts them into new
+    /// buckets each time.
+    void reserve(int count);
+
     void insert(FileNode *node);
     void remove(FileNode *node);
 
@@ -51,7 +55,6 @@ public:
 
 private:
     std::size_t bucketOf(const QString &name) const;
-    void grow();
 
     Qt::CaseSensitivity m_sensitivity;
     int m_size = 0;

@@ -88,6 +88,12 @@ public:
     /// The node of a path as the model or a request gives it, or null. The empty path is the root.
     FileNode *findPath(const QString &path) const;
 
+    /// Prepares for this many children in all.
+    static void reserve(FileNode *parent, int count)
+    {
+        directoryOf(parent).children.reserve(count);
+    }
+
     /// Adds a child, not shown; there must be none of that name.
     static FileNode *add(FileNode *parent, const QString &name, const QFileInfo &info);
 

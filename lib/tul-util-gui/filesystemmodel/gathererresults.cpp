@@ -157,6 +157,8 @@ void GathererResults::applyUpdates(Result &result, const QElapsedTimer &sliceTim
     }
     const std::size_t rows = parent->directory ? parent->directory->visible.size() : 0;
     const int least = std::max(leastFiles, static_cast<int>(rows) / leastPart);
+    if (result.updates.size() >= leastFiles) // have different names, so all of them are there soon
+        FileTree::reserve(parent, result.updates.size());
     Changes changes;
     int done = 0;
     while (result.next < result.updates.size()) {
