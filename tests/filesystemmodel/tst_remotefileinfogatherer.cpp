@@ -10,6 +10,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <filesystem>
+
 using Updates = QList<QPair<QString, QFileInfo>>;
 
 namespace
@@ -66,6 +68,7 @@ private Q_SLOTS:
     void filesAndDoubleSlashesAreNotWatched();
     void updateFileSplitsAtTheLastSlash();
     void listedDirectoriesAreWatchedOnceUntilRemoved();
+    void whatChangesBeforeTheWatchIsThereIsListed();
     void stoppingCutsTheListingShortAndDropsTheQueue();
 };
 
@@ -204,6 +207,25 @@ void tst_RemoteFileInfoGatherer::listedDirectoriesAreWatchedOnceUntilRemoved()
     gatherer.list(folder.path());
     QTRY_VERIFY(log.hasLoaded(loads + 3));
     QCOMPARE(gatherer.added.available(), 1); // was not watched
+}
+
+void tst_RemoteFileInfoGatherer::whatChangesBeforeTheWatchIsThereIsListed()
+{
+    const QTemporaryDir folder;
+    std::error_code error; // times of one moment may be equal
+    std::filesystem::last_write_time(folder.path().toStdString(), {}, error);
+    QVERIFY(!error);
+    QSemaphore listed;
+    RemoteFileInfoGatherer gatherer;
+    const SignalLog log(&gatherer);
+    connect(
+        &gatherer, &RemoteFileInfoGatherer::directoryLoaded, &gatherer, [&] { listed.release(); },
+        Qt::DirectConnection);
+    gatherer.list(folder.path());
+    QVERIFY(listed.tryAcquire(1, 5000));
+    makeFiles(folder.path(), 1); // the event loop has not run since
+    QTRY_VERIFY(log.hasLoaded(2));
+    QCOMPARE(log.infos.size(), 2 + 3);
 }
 
 void tst_RemoteFileInfoGatherer::stoppingCutsTheListingShortAndDropsTheQueue()

@@ -1,5 +1,6 @@
 #include "watchlist_p.h"
 
+#include <QDateTime>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QMutexLocker>
@@ -42,7 +43,8 @@ void WatchList::add(const QString &path)
         watch(path);
     else
         QMetaObject::invokeMethod(
-            this, [this, path] { watch(path); }, Qt::QueuedConnection);
+            this, [this, path, time = info.lastModified()] { watchLate(path, time); },
+            Qt::QueuedConnection);
 }
 
 void WatchList::remove(const QString &path)
@@ -80,6 +82,20 @@ void WatchList::watch(const QString &path)
     m_pending.remove(path);
     if (isWatched)
         m_watched.insert(path);
+}
+
+/// Watches what was last changed at that time when it was to be watched. What has changed since may
+/// have been listed before, and nobody else would tell of it.
+void WatchList::watchLate(const QString &path, const QDateTime &time)
+{
+    watch(path);
+    const QFileInfo info(path);
+    if (!has(path) || info.lastModified() == time)
+        return;
+    if (info.isDir())
+        Q_EMIT directoryChanged(path);
+    else
+        Q_EMIT fileChanged(path);
 }
 
 void WatchList::forgetUnless(const QString &path, bool isWatched)

@@ -5,6 +5,7 @@
 #include <QSet>
 #include <QString>
 
+class QDateTime;
 class QFileSystemWatcher;
 
 /// What a gatherer watches: a file system watcher, a child of the gatherer that only ever works on
@@ -23,8 +24,8 @@ public:
     bool has(const QString &path) const;
 
     /// Watches a file or directory; in another thread than the watcher's a little later, unless it
-    /// is removed before. Passes over what the watcher cannot watch: what a handler serves, what is
-    /// missing and what must not be read. Any thread.
+    /// is removed before, and with a signal if it has changed by then. Passes over what the watcher
+    /// cannot watch: what a handler serves, what is missing and what must not be read. Any thread.
     void add(const QString &path);
 
     // The rest is for the watcher's thread.
@@ -40,6 +41,7 @@ Q_SIGNALS:
 
 private:
     void watch(const QString &path);
+    void watchLate(const QString &path, const QDateTime &time);
     void forgetUnless(const QString &path, bool isWatched);
 
     QFileSystemWatcher *const m_watcher;
