@@ -104,6 +104,7 @@ private Q_SLOTS:
     void placesAreAddedAndMovedInOrder();
     void onlyDirectoriesCanBeDropped();
     void placesFollowTheFileSystem();
+    void whatTheFiltersHideIsMissingUntilTheyShowIt();
     void placesOutliveTheFileSystemModel();
     void goesToAPlaceOnceAndOnlyWhenAsked();
     void placesAreRemovedButNotTheDrives();
@@ -200,23 +201,29 @@ void TestRemoteSidebar::placesFollowTheFileSystem()
     QCOMPARE(bar.names(), "b missing"_s);
     QVERIFY(bar.files.setData(bar.files.index("remote:/b2"_s), "b"_s));
     QTRY_VERIFY(bar.exists(0));
+}
 
-    // What the filters hide is missing. None of this looks at the disk, nor does a change of the
-    // directory above a missing place.
-    const QDir::Filters all = bar.files.filter();
+void TestRemoteSidebar::whatTheFiltersHideIsMissingUntilTheyShowIt()
+{
+    SideBar bar("");
+    QSignalSpy loaded(&bar.files, &RemoteFileSystemModel::directoryLoaded);
+    bar.files.setRootPath("remote:"_s);
+    QVERIFY(loaded.wait());
+    bar.setUrls(urlsOf("b c/missing"));
     const QSignalSpy changed(&bar.files, &QAbstractItemModel::dataChanged);
     bar.far.forgetCalls();
-    QVERIFY(QFile::setPermissions(bar.far.local("old"_s), QFileDevice::Permissions(0x7700)));
+    // A change of the directory above a missing place costs no look at the disk.
+    QVERIFY(QFile::setPermissions(bar.far.local("c"_s), QFileDevice::Permissions(0x7700)));
     bar.files.refresh(bar.files.index("remote:"_s));
-    QTRY_VERIFY(!changed.isEmpty());
+    QVERIFY(loaded.wait() && !changed.isEmpty());
+    bar.files.sort(1, Qt::DescendingOrder);
     bar.files.setFilter(QDir::Files);
     QTRY_VERIFY(!bar.exists(0));
     QVERIFY(!bar.files.index("remote:/b"_s).isValid());
-    bar.files.sort(1, Qt::DescendingOrder);
-    bar.files.setFilter(all);
-    QTRY_VERIFY(bar.exists(0));
-    QVERIFY(!bar.exists(1));
     QCOMPARE(bar.far.calls(true), 0);
+    QVERIFY(QDir(bar.far.local("c"_s)).mkdir("missing"_s));
+    bar.files.setFilter(QDir::AllEntries);
+    QTRY_VERIFY(bar.exists(0) && bar.exists(1));
 }
 
 void TestRemoteSidebar::placesOutliveTheFileSystemModel()
